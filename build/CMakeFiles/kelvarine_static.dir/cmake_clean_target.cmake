@@ -1,0 +1,3 @@
+file(REMOVE_RECURSE
+  "libkelvarine_static.a"
+)
