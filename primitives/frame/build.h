@@ -27,4 +27,9 @@
 #include "kelvarine_prim_entries.h"
 #undef PRIM_ENTRY
 
+// This build's internal primitives, which have no stub.
+#define PRIM_INTERNAL(result, name, params) extern "C" result PRIM(name) params;
+#include "primitives/frame/internal_entries.h"
+#undef PRIM_INTERNAL
+
 #endif

@@ -1,3 +1,0 @@
-file(REMOVE_RECURSE
-  "libkelvarine_static.a"
-)

@@ -1,2 +1,0 @@
-# Empty dependencies file for kv_prims_m7.
-# This may be replaced when dependencies are built.
