@@ -50,6 +50,7 @@ TEST_P(Allocators, BlocksAreAlignedAndFreeTheirRawBlock) {
         primFree(block);
         EXPECT_EQ(gLastFreed, raw);
     }
+    gLastFreed = nullptr;
     primFree(nullptr);
     EXPECT_EQ(gLastFreed, nullptr);
 }
