@@ -1,39 +1,26 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <vector>
 
+#include "colour_effect_support.h"
 #include "effects/FilmMono.h"
 #include "kelvarine_prims.h"
 #include "test_support.h"
 
 namespace {
 
+using kvtest::Bytes;
+
 TEST(FilmMonoEffect, IsTheComplementOfTheWeightedGray) {
-    const int sizes[][2] = {{1, 1}, {9, 2}, {17, 3}, {40, 4}};
-    for (const auto& size : sizes) {
-        int width = size[0], height = size[1];
-        auto frame = kvtest::RandomBytes(size_t(width) * height * 4, width);
-        std::vector<uint8_t> gray(size_t(width) * height), expected = frame;
-        primiRGBToGray_8u_AC4C1R(frame.data(), width * 4, gray.data(), width, {width, height});
+    for (int width : {1, 9, 17, 40}) {
+        auto frame = kvtest::RandomBytes(size_t(width) * 3 * 4, width), expected = frame;
+        Bytes gray(size_t(width) * 3);
+        primiRGBToGray_8u_AC4C1R(frame.data(), width * 4, gray.data(), width, {width, 3});
         for (size_t i = 0; i < gray.size(); ++i)
             expected[4 * i] = expected[4 * i + 1] = expected[4 * i + 2] = static_cast<uint8_t>(~gray[i]);
-        Effect_Base* film = FilmMono::CreateInstance();
-        EXPECT_EQ(film->Proc(frame.data(), width, height), 0);
-        EXPECT_EQ(frame, expected) << width << "x" << height;
-        delete film;
+        EXPECT_EQ(kvtest::Processed(FilmMono::CreateInstance, frame, width, 3), expected) << "width " << width;
     }
-}
-
-TEST(FilmMonoEffect, WhiteBecomesBlackKeepingTheFourthByte) {
-    std::vector<uint8_t> frame;
-    for (int i = 0; i < 10; ++i) frame.insert(frame.end(), {255, 255, 255, static_cast<uint8_t>(i)});
-    Effect_Base* film = FilmMono::CreateInstance();
-    film->Proc(frame.data(), 10, 1);
-    for (int i = 0; i < 10; ++i)
-        EXPECT_EQ(std::vector<uint8_t>(frame.begin() + 4 * i, frame.begin() + 4 * i + 4),
-                  (std::vector<uint8_t>{0, 0, 0, static_cast<uint8_t>(i)}));
-    delete film;
+    EXPECT_EQ(kvtest::Processed(FilmMono::CreateInstance, {255, 255, 255, 6}, 1, 1), (Bytes{0, 0, 0, 6}));
 }
 
 int gMallocs = 0, gFrees = 0;
@@ -51,7 +38,7 @@ void CountingFree(void* p) {
 TEST(FilmMonoEffect, MakesAFreshBufferOnEveryCall) {
     i_malloc = CountingMalloc;
     i_free = CountingFree;
-    std::vector<uint8_t> frame(8 * 8 * 4, 60);
+    Bytes frame(8 * 8 * 4, 60);
     Effect_Base* film = FilmMono::CreateInstance();
     film->Proc(frame.data(), 8, 8);
     film->Proc(frame.data(), 8, 8);
