@@ -4,7 +4,15 @@
 #include <cstring>
 
 #include "effects/Effect_Base.h"
+#include "effects/ColorAverage.h"
+#include "effects/ColorEmphase.h"
+#include "effects/ColorMask.h"
+#include "effects/Emboss.h"
+#include "effects/FilmColor.h"
+#include "effects/FilmMono.h"
+#include "effects/Gamma.h"
 #include "effects/Gray.h"
+#include "effects/OldFilm.h"
 
 namespace {
 
@@ -51,16 +59,16 @@ const EffectListEntry EffectList[] = {
     {"Dilate", 1006, 6, nullptr, nullptr},
     {"Erode", 1007, 6, nullptr, nullptr},
     {"Edge Detect", 1008, 6, nullptr, nullptr},
-    {"Film Mono", 1010, 6, nullptr, nullptr},
+    {"Film Mono", 1010, 6, FilmMono::CreateInstance, nullptr},
     {"Guess", 1011, 6, nullptr, nullptr},
     {"Linear", 1012, 6, nullptr, nullptr},
-    {"Emboss", 1034, 6, nullptr, nullptr},
-    {"Old Film", 1035, 6, nullptr, nullptr},
+    {"Emboss", 1034, 6, Emboss::CreateInstance, nullptr},
+    {"Old Film", 1035, 6, OldFilm::CreateInstance, nullptr},
     {"Gray", 1036, 6, Gray::CreateInstance, nullptr},
-    {"Color Average", 1005, 0, nullptr, nullptr},
-    {"Color Emphase", 1004, 0, nullptr, nullptr},
+    {"Color Average", 1005, 0, ColorAverage::CreateInstance, nullptr},
+    {"Color Emphase", 1004, 0, ColorEmphase::CreateInstance, nullptr},
     {"Brightness", 1013, 0, nullptr, nullptr},
-    {"Gamma", 1009, 0, nullptr, nullptr},
+    {"Gamma", 1009, 0, Gamma::CreateInstance, nullptr},
     {"Mirror Vertical", 1015, 0, nullptr, nullptr},
     {"Mirror Horizontal", 1014, 0, nullptr, &V_Mirror_default},
     {"Mirror Both", 1016, 0, nullptr, &VH_Mirror_default},
@@ -80,14 +88,14 @@ const EffectListEntry EffectList[] = {
     {"Max Filter", 1056, 6, nullptr, &MaxFilter_default},
     {"Median", 1057, 6, nullptr, &Median_default},
     {"Wiener", 1058, 6, nullptr, &Wiener_default},
-    {"Film Color", 1059, 6, nullptr, nullptr},
-    {"Red", 1060, 6, nullptr, &ColorMask_R_default},
-    {"Green", 1061, 6, nullptr, &ColorMask_G_default},
-    {"Blue", 1062, 6, nullptr, &ColorMask_B_default},
-    {"Yellow", 1063, 6, nullptr, &ColorMask_Y_default},
-    {"Pink", 1064, 6, nullptr, &ColorMask_P_default},
-    {"Purple", 1065, 6, nullptr, &ColorMask_U_default},
-    {"Old Picture", 1066, 6, nullptr, &ColorMask_O_default},
+    {"Film Color", 1059, 6, CFilmColor::CreateInstance, nullptr},
+    {"Red", 1060, 6, CColorMask::CreateInstance, &ColorMask_R_default},
+    {"Green", 1061, 6, CColorMask::CreateInstance, &ColorMask_G_default},
+    {"Blue", 1062, 6, CColorMask::CreateInstance, &ColorMask_B_default},
+    {"Yellow", 1063, 6, CColorMask::CreateInstance, &ColorMask_Y_default},
+    {"Pink", 1064, 6, CColorMask::CreateInstance, &ColorMask_P_default},
+    {"Purple", 1065, 6, CColorMask::CreateInstance, &ColorMask_U_default},
+    {"Old Picture", 1066, 6, CColorMask::CreateInstance, &ColorMask_O_default},
     {"De-noise", 1067, 0, nullptr, nullptr},
 };
 

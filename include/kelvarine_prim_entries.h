@@ -11,3 +11,10 @@
 PRIM_ENTRY(uint8_t*, primsMalloc_8u, (int32_t length))
 PRIM_ENTRY(void, primsFree, (void* ptr))
 PRIM_ENTRY(int16_t*, primiMalloc_16s_C1, (int32_t width, int32_t height, int32_t* step))
+
+/* Colour twist, gamma and gray */
+PRIM_ENTRY(PrimStatus, primiColorTwist32f_8u_AC4IR, (uint8_t* image, int32_t step, PrimSize size, const float twist[3][4]))
+PRIM_ENTRY(PrimStatus, primiGammaFwd_8u_AC4IR, (uint8_t* image, int32_t step, PrimSize size))
+PRIM_ENTRY(PrimStatus, primiGammaInv_8u_AC4IR, (uint8_t* image, int32_t step, PrimSize size))
+PRIM_ENTRY(PrimStatus, primiRGBToGray_8u_AC4C1R,
+           (const uint8_t* source, int32_t sourceStep, uint8_t* destination, int32_t destinationStep, PrimSize size))

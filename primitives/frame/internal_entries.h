@@ -6,3 +6,8 @@
  * prefixed functions from it, and the tests reach every build's copy. No
  * include guard: each reader includes it once with its own PRIM_INTERNAL.
  */
+
+/* Gamma and gray */
+PRIM_INTERNAL(void, myRGBToGray_8u_C3C1R,
+              (const uint8_t* source, int32_t sourceStep, uint8_t* destination, int32_t destinationStep,
+               PrimSize size, const float* weights, int32_t elementCount))
