@@ -11,3 +11,10 @@
 PRIM_ENTRY(uint8_t*, primsMalloc_8u, (int32_t length))
 PRIM_ENTRY(void, primsFree, (void* ptr))
 PRIM_ENTRY(int16_t*, primiMalloc_16s_C1, (int32_t width, int32_t height, int32_t* step))
+
+/* Noise and dither */
+PRIM_ENTRY(PrimStatus, primiAddRandGauss_Direct_8u_AC4IR,
+           (uint8_t* image, int32_t step, PrimSize size, uint8_t mean, uint8_t deviation, uint32_t* seed))
+PRIM_ENTRY(PrimStatus, primiReduceBits_8u_AC4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size, int32_t noise,
+            int32_t dither, int32_t levels))
