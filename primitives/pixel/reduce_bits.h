@@ -26,11 +26,12 @@ inline QuantLevels MakeQuantLevels(int32_t n) {
     return levels;
 }
 
-// The quantised value of v before it becomes a byte.
+// The quantised value of v before it becomes a byte. The step up is added
+// as step or +0, a select rather than a branch: which way it goes is as good
+// as random on real images. q is never -0 here, so adding +0 changes nothing.
 inline float Quantise(float v, float threshold, const QuantLevels& levels) {
     float q = static_cast<float>(static_cast<int32_t>(v * levels.inverse)) * levels.step;
-    if (threshold < v - q) q += levels.step;
-    return q;
+    return q + (threshold < v - q ? levels.step : 0.0f);
 }
 
 // Truncated, and held to a byte: a negative threshold can step a value of

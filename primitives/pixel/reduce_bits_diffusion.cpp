@@ -37,19 +37,14 @@ struct DiffusionImage {
 };
 
 // v = the sample plus the diffused error. A saturated pixel passes on no
-// error; any other passes on what quantising took away.
+// error; any other passes on what quantising took away. Written as selects:
+// saturation comes and goes with the image's content.
 inline uint8_t DiffuseSample(float v, float threshold, const QuantLevels& levels, float* error) {
-    if (v >= 255.0f) {
-        *error = 0.0f;
-        return 255;
-    }
-    if (v < 0.0f) {
-        *error = 0.0f;
-        return 0;
-    }
-    float q = Quantise(v, threshold, levels);
-    *error = v - q;
-    return QuantisedByte(q);
+    const float q = Quantise(v, threshold, levels);
+    const bool high = v >= 255.0f;
+    const bool low = v < 0.0f;
+    *error = high || low ? 0.0f : v - q;
+    return high ? 255 : (low ? 0 : QuantisedByte(q));
 }
 
 // Without noise every pixel takes half a step as threshold.
