@@ -2,7 +2,7 @@
 // result together with the unset fourth bytes of its temporary.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
+#include <array>
 #include <cstring>
 #include <vector>
 
@@ -12,12 +12,7 @@
 
 namespace {
 
-struct Words {
-    int32_t dither, noise, levels;
-    bool operator==(const Words& other) const {
-        return dither == other.dither && noise == other.noise && levels == other.levels;
-    }
-};
+using Words = std::array<int32_t, 3>;
 
 Words Read(Effect_Base* effect) {
     EffectArgs args = {};
@@ -32,19 +27,17 @@ int32_t Set(Effect_Base* effect, int32_t dither, int32_t noise, int32_t levels) 
 
 TEST(ReduceBitsEffect, SetArgsClampsOrRefusesWithRawWords) {
     Effect_Base* effect = CReduceBits::CreateInstance();
-    EXPECT_TRUE(Read(effect) == (Words{1, 0, 2}));
-
+    EXPECT_EQ(Read(effect), (Words{1, 0, 2}));
     EXPECT_EQ(Set(effect, 2, 101, 200), 0);
-    EXPECT_TRUE(Read(effect) == (Words{2, 100, 64}));
+    EXPECT_EQ(Read(effect), (Words{2, 100, 64}));
     EXPECT_EQ(Set(effect, 4, -3, 1), 0);
-    EXPECT_TRUE(Read(effect) == (Words{4, 0, 2}));
-
+    EXPECT_EQ(Read(effect), (Words{4, 0, 2}));
     // A method outside 0..4, tested as unsigned, is refused: no dither, and
     // the other words stay as they came.
     EXPECT_EQ(Set(effect, 5, 500, 1), -1);
-    EXPECT_TRUE(Read(effect) == (Words{0, 500, 1}));
+    EXPECT_EQ(Read(effect), (Words{0, 500, 1}));
     EXPECT_EQ(Set(effect, -1, 3, 300), -1);
-    EXPECT_TRUE(Read(effect) == (Words{0, 3, 300}));
+    EXPECT_EQ(Read(effect), (Words{0, 3, 300}));
     delete effect;
 }
 
