@@ -32,7 +32,7 @@ struct ReferenceGenerator {
     }
 };
 
-// Adds Gaussian noise to the colour bytes of an image as the design draws
+// Adds Gaussian noise to the colour bytes of an image as the library draws
 // it: polar pairs, samples in row, pixel, channel order, truncated toward
 // zero, bytes held to 0..255. Returns the seed for the next call.
 inline uint32_t ReferenceAddGauss(uint8_t* image, int32_t step, int32_t width, int32_t height, uint8_t mean,
