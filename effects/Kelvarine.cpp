@@ -13,6 +13,7 @@
 #include "effects/Gamma.h"
 #include "effects/Gray.h"
 #include "effects/OldFilm.h"
+#include "effects/Rand.h"
 
 namespace {
 
@@ -84,7 +85,7 @@ const EffectListEntry EffectList[] = {
     {"Eye", 1052, 6, nullptr, &Eye_default},
     {"Whirl", 1053, 6, nullptr, &Whirl_default},
     {"Shear", 1054, 6, nullptr, &Shear_default},
-    {"Rand", 1055, 6, nullptr, &Rand_default},
+    {"Rand", 1055, 6, CRand::CreateInstance, &Rand_default},
     {"Max Filter", 1056, 6, nullptr, &MaxFilter_default},
     {"Median", 1057, 6, nullptr, &Median_default},
     {"Wiener", 1058, 6, nullptr, &Wiener_default},

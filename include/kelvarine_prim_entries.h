@@ -18,3 +18,10 @@ PRIM_ENTRY(PrimStatus, primiGammaFwd_8u_AC4IR, (uint8_t* image, int32_t step, Pr
 PRIM_ENTRY(PrimStatus, primiGammaInv_8u_AC4IR, (uint8_t* image, int32_t step, PrimSize size))
 PRIM_ENTRY(PrimStatus, primiRGBToGray_8u_AC4C1R,
            (const uint8_t* source, int32_t sourceStep, uint8_t* destination, int32_t destinationStep, PrimSize size))
+
+/* Noise and dither */
+PRIM_ENTRY(PrimStatus, primiAddRandGauss_Direct_8u_AC4IR,
+           (uint8_t* image, int32_t step, PrimSize size, uint8_t mean, uint8_t deviation, uint32_t* seed))
+PRIM_ENTRY(PrimStatus, primiReduceBits_8u_AC4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size, int32_t noise,
+            int32_t dither, int32_t levels))

@@ -100,6 +100,15 @@ enum {
 };
 #define InterpSmoothEdge ((int32_t)0x80000000u)
 
+/* Dither methods of primiReduceBits_8u_AC4R. */
+typedef enum PrimDitherType {
+    DitherNone = 0,
+    DitherFS = 1,
+    DitherJJN = 2,
+    DitherStucki = 3,
+    DitherBayer = 4
+} PrimDitherType;
+
 /* ---- Memory: 32-byte-aligned blocks; any of them goes to primFree. ---- */
 KV_API extern void* (*i_malloc)(size_t);
 KV_API extern void* (*i_calloc)(size_t, size_t);

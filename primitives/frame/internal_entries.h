@@ -11,3 +11,15 @@
 PRIM_INTERNAL(void, myRGBToGray_8u_C3C1R,
               (const uint8_t* source, int32_t sourceStep, uint8_t* destination, int32_t destinationStep,
                PrimSize size, const float* weights, int32_t elementCount))
+
+/* Uniform random vectors. The state records are opaque outside their source. */
+struct PrimRandUniformState_16s;
+struct PrimRandUniformState_32f;
+PRIM_INTERNAL(PrimStatus, primsRandUniformInitAlloc_16s,
+              (PrimRandUniformState_16s** state, int16_t low, int16_t high, uint32_t seed))
+PRIM_INTERNAL(PrimStatus, primsRandUniformInitAlloc_32f,
+              (PrimRandUniformState_32f** state, float low, float high, uint32_t seed))
+PRIM_INTERNAL(PrimStatus, primsRandUniform_16s, (int16_t* output, int32_t length, PrimRandUniformState_16s* state))
+PRIM_INTERNAL(PrimStatus, primsRandUniform_32f, (float* output, int32_t length, PrimRandUniformState_32f* state))
+PRIM_INTERNAL(PrimStatus, primsRandUniformFree_16s, (PrimRandUniformState_16s* state))
+PRIM_INTERNAL(PrimStatus, primsRandUniformFree_32f, (PrimRandUniformState_32f* state))
