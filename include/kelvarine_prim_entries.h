@@ -11,3 +11,15 @@
 PRIM_ENTRY(uint8_t*, primsMalloc_8u, (int32_t length))
 PRIM_ENTRY(void, primsFree, (void* ptr))
 PRIM_ENTRY(int16_t*, primiMalloc_16s_C1, (int32_t width, int32_t height, int32_t* step))
+
+/* Constant arithmetic */
+PRIM_ENTRY(PrimStatus, primiAddC_8u_AC4IRSfs,
+           (const uint8_t value[3], uint8_t* image, int32_t step, PrimSize size, int32_t scaleFactor))
+PRIM_ENTRY(PrimStatus, primiSubC_8u_AC4IRSfs,
+           (const uint8_t value[3], uint8_t* image, int32_t step, PrimSize size, int32_t scaleFactor))
+
+/* Borders, mirror and fills */
+PRIM_ENTRY(PrimStatus, primiCopyReplicateBorder_8u_AC4R,
+           (const uint8_t* src, int32_t srcStep, PrimSize srcSize, uint8_t* dst, int32_t dstStep,
+            PrimSize dstSize, int32_t top, int32_t left))
+PRIM_ENTRY(PrimStatus, primiMirror_8u_AC4IR, (uint8_t* image, int32_t step, PrimSize size, int32_t axis))
