@@ -43,8 +43,9 @@ void BrightnessAndContrastAndSaturation::BrightnessAndContrastAndSaturation_Proc
     const SaturationWide saturateWide(saturate ? factor : 0);
     const ContrastWide contrastWide(k);
     auto wide = [&](__m128i v) {
-        if (saturate) v = _mm_max_epi16(saturateWide(v), _mm_setzero_si128());
-        return k != 0 ? contrastWide(v) : v;
+        if (!saturate) return k != 0 ? contrastWide.Bytes(v) : v;
+        v = _mm_max_epi16(saturateWide(v), _mm_setzero_si128());
+        return k != 0 ? contrastWide.Values(v) : v;
     };
     auto narrow = [&](int32_t& b, int32_t& g, int32_t& r) {
         if (saturate) {

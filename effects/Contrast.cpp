@@ -23,7 +23,8 @@ int32_t Contrast::GetArgs(EffectArgs* args) {
 void Contrast::Contrast_proc(unsigned char* frame, int32_t width, int32_t height, int32_t amount) {
     if (amount == 0) return;
     const int32_t k = 2 * amount;
-    ToneLoop(frame, width, height, ContrastWide(k), [k](int32_t& b, int32_t& g, int32_t& r) {
+    const ContrastWide wide(k);
+    ToneLoop(frame, width, height, [&wide](__m128i v) { return wide.Bytes(v); }, [k](int32_t& b, int32_t& g, int32_t& r) {
         b = ContrastValue(b, k);
         g = ContrastValue(g, k);
         r = ContrastValue(r, k);

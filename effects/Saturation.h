@@ -43,7 +43,7 @@ inline void SaturateValues(const int32_t scale[256], const int32_t spread[768], 
 // 16-bit lanes, b g r x b g r x, computed rather than looked up.
 class SaturationWide {
 public:
-    explicit SaturationWide(int32_t factor) : factor_(_mm_set1_epi16(static_cast<int16_t>(factor))) {}
+    explicit SaturationWide(int32_t factor) : twiceFactor_(_mm_set1_epi16(static_cast<int16_t>(2 * factor))) {}
 
     __m128i operator()(__m128i pixels) const {
         const __m128i colour = _mm_and_si128(pixels, _mm_set_epi16(0, -1, -1, -1, 0, -1, -1, -1));
@@ -61,15 +61,12 @@ private:
         return _mm_shufflehi_epi16(_mm_shufflelo_epi16(v, order), order);
     }
 
-    // factor * v >> 8 from the 32-bit product's two halves; the result fits
-    // 16 bits, so its low half is bits 8 to 23 of the product.
-    __m128i Scale(__m128i v) const {
-        const __m128i low = _mm_mullo_epi16(v, factor_);
-        const __m128i high = _mm_mulhi_epi16(v, factor_);
-        return _mm_or_si128(_mm_slli_epi16(high, 8), _mm_srli_epi16(low, 8));
-    }
+    // factor * v >> 8 for v up to 255 as the high half of (v << 7) * (2 * factor):
+    // both fit signed 16 bits, and the high half of a signed product is
+    // rounded toward minus infinity, as the arithmetic shift is.
+    __m128i Scale(__m128i v) const { return _mm_mulhi_epi16(_mm_slli_epi16(v, 7), twiceFactor_); }
 
-    __m128i factor_;
+    __m128i twiceFactor_;
 };
 
 #endif

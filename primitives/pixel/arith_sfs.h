@@ -47,9 +47,12 @@ struct Difference {
 // Each scale path gives one byte (Byte) or 16 bytes (Wide) of result, and
 // names the row length from which its wide loop pays.
 
+// With a zero operand this gives back the byte itself, so the fourth byte
+// of an in-place pixel may go through the arithmetic as it stands.
 template <class V>
 struct Unscaled {
     static constexpr size_t kWideFrom = 79;
+    static constexpr bool kZeroKeepsByte = true;
     uint8_t Byte(int a, int b) const {
         int v = V::Value(a, b);
         return static_cast<uint8_t>(v > 255 ? 255 : v);
@@ -62,6 +65,7 @@ struct Unscaled {
 template <class V>
 struct ScaledDown {
     static constexpr size_t kWideFrom = 31;
+    static constexpr bool kZeroKeepsByte = false;
     explicit ScaledDown(int32_t k)
         : shift(k),
           bias((1 << (k - 1)) - 1),
@@ -91,6 +95,7 @@ struct ScaledDown {
 template <class V>
 struct ScaledUp {
     static constexpr size_t kWideFrom = 31;
+    static constexpr bool kZeroKeepsByte = false;
     explicit ScaledUp(int32_t k) : shift(-k), shiftCount(_mm_cvtsi32_si128(-k)) {}
     uint8_t Byte(int a, int b) const {
         int v = V::Value(a, b) << shift;
@@ -109,6 +114,7 @@ struct ScaledUp {
 template <class V>
 struct Bounded {
     static constexpr size_t kWideFrom = 47;
+    static constexpr bool kZeroKeepsByte = false;
     uint8_t Byte(int a, int b) const { return V::Value(a, b) != 0 ? 255 : 0; }
     __m128i Wide(__m128i a, __m128i b) const {
         const __m128i isZero = _mm_cmpeq_epi8(V::Saturated(a, b), _mm_setzero_si128());
@@ -116,9 +122,10 @@ struct Bounded {
     }
 };
 
-// The constant: three bytes, repeating every four.
+// The constant: three bytes and a zero, repeating every four.
 class ConstantOperand {
 public:
+    static constexpr bool kFourthByteIsZero = true;
     explicit ConstantOperand(const uint8_t value[3])
         : word_(value[0] | value[1] << 8 | static_cast<uint32_t>(value[2]) << 16) {}
     uint8_t Byte(size_t i) const { return static_cast<uint8_t>(word_ >> ((i & 3) * 8)); }
@@ -133,6 +140,7 @@ private:
 
 class ImageOperand {
 public:
+    static constexpr bool kFourthByteIsZero = false;
     ImageOperand(const uint8_t* row, int32_t step) : row_(row), step_(step) {}
     uint8_t Byte(size_t i) const { return row_[i]; }
     void AlignTo(size_t) {}
@@ -145,20 +153,29 @@ private:
 };
 
 // The bytes up to the destination's 16-byte boundary one by one, then 16 at a
-// time merged under the colour mask, then the rest one by one.
+// time, then the rest one by one. The fourth byte of a pixel is merged back
+// from the destination, unless the arithmetic gives it back unchanged: the
+// constant's fourth byte is 0, and the constant forms work in place.
 template <class Scale, class Operand>
 void ArithRow(const uint8_t* a, Operand& b, uint8_t* dst, size_t bytes, const Scale& scale) {
+    constexpr bool kAllFour = Scale::kZeroKeepsByte && Operand::kFourthByteIsZero;
     size_t i = 0;
     auto byteByByteUntil = [&](size_t end) {
         for (; i < end; ++i)
-            if ((i & 3) != 3) dst[i] = scale.Byte(a[i], b.Byte(i));
+            if (kAllFour || (i & 3) != 3) dst[i] = scale.Byte(a[i], b.Byte(i));
     };
     if (bytes >= Scale::kWideFrom) {
         byteByByteUntil((16 - (reinterpret_cast<uintptr_t>(dst) & 15)) & 15);
         b.AlignTo(i);
         const __m128i mask = Broadcast(RotateBytes(kColourMask, i));
-        for (; i + 16 <= bytes; i += 16)
-            MergedStores::Write(dst + i, scale.Wide(LoadUnaligned(a + i), b.Wide(i)), mask);
+        for (; i + 16 <= bytes; i += 16) {
+            const __m128i result = scale.Wide(LoadUnaligned(a + i), b.Wide(i));
+            if constexpr (kAllFour) {
+                PlainStores::Write(dst + i, result, mask);
+            } else {
+                MergedStores::Write(dst + i, result, mask);
+            }
+        }
     }
     byteByByteUntil(bytes);
 }

@@ -116,6 +116,12 @@ void FillPattern(uint8_t* dst, size_t bytes, uint32_t word, uint32_t mask) {
     size_t i = 16 - (reinterpret_cast<uintptr_t>(dst) & 15);
     const __m128i value = Broadcast(RotateBytes(word, i));
     const __m128i keep = Broadcast(RotateBytes(mask, i));
+    for (; i + 64 <= bytes; i += 64) {
+        Stores::Write(dst + i, value, keep);
+        Stores::Write(dst + i + 16, value, keep);
+        Stores::Write(dst + i + 32, value, keep);
+        Stores::Write(dst + i + 48, value, keep);
+    }
     for (; i + 16 <= bytes; i += 16) Stores::Write(dst + i, value, keep);
     if (i < bytes) {
         size_t last = bytes - 16;
@@ -136,6 +142,14 @@ void CopyBytes(const uint8_t* src, uint8_t* dst, size_t bytes, uint32_t mask) {
     while (i + 16 <= bytes) {
         size_t blockEnd = bytes - i > kStreamBlockBytes ? i + kStreamBlockBytes : bytes;
         Stores::Prepare(src + i, blockEnd - i);
+        for (; i + 64 <= blockEnd; i += 64) {
+            const __m128i a = LoadUnaligned(src + i), b = LoadUnaligned(src + i + 16);
+            const __m128i c = LoadUnaligned(src + i + 32), d = LoadUnaligned(src + i + 48);
+            Stores::Write(dst + i, a, keep);
+            Stores::Write(dst + i + 16, b, keep);
+            Stores::Write(dst + i + 32, c, keep);
+            Stores::Write(dst + i + 48, d, keep);
+        }
         for (; i + 16 <= blockEnd; i += 16) Stores::Write(dst + i, LoadUnaligned(src + i), keep);
     }
     if (i < bytes) {
