@@ -3,10 +3,13 @@
 #include <cstdio>
 #include <cstring>
 
-#include "effects/Effect_Base.h"
+#include "effects/Brightness.h"
+#include "effects/BrightnessAndContrastAndSaturation.h"
 #include "effects/ColorAverage.h"
 #include "effects/ColorEmphase.h"
 #include "effects/ColorMask.h"
+#include "effects/Contrast.h"
+#include "effects/Effect_Base.h"
 #include "effects/Emboss.h"
 #include "effects/FilmColor.h"
 #include "effects/FilmMono.h"
@@ -14,6 +17,7 @@
 #include "effects/Gray.h"
 #include "effects/OldFilm.h"
 #include "effects/Rand.h"
+#include "effects/Saturation.h"
 
 namespace {
 
@@ -68,7 +72,7 @@ const EffectListEntry EffectList[] = {
     {"Gray", 1036, 6, Gray::CreateInstance, nullptr},
     {"Color Average", 1005, 0, ColorAverage::CreateInstance, nullptr},
     {"Color Emphase", 1004, 0, ColorEmphase::CreateInstance, nullptr},
-    {"Brightness", 1013, 0, nullptr, nullptr},
+    {"Brightness", 1013, 0, Brightness::CreateInstance, nullptr},
     {"Gamma", 1009, 0, Gamma::CreateInstance, nullptr},
     {"Mirror Vertical", 1015, 0, nullptr, nullptr},
     {"Mirror Horizontal", 1014, 0, nullptr, &V_Mirror_default},
@@ -77,9 +81,9 @@ const EffectListEntry EffectList[] = {
     {"Rotate 90", 1018, 0, nullptr, &st_Rotate_90},
     {"Rotate 180", 1019, 0, nullptr, &st_Rotate_180},
     {"Rotate 270", 1020, 0, nullptr, &st_Rotate_270},
-    {"Contrast", 1031, 0, nullptr, nullptr},
-    {"Saturation", 1033, 0, nullptr, nullptr},
-    {"BrightnessAndContrastAndSaturation", 1040, 0, nullptr, nullptr},
+    {"Contrast", 1031, 0, Contrast::CreateInstance, nullptr},
+    {"Saturation", 1033, 0, Saturation::CreateInstance, nullptr},
+    {"BrightnessAndContrastAndSaturation", 1040, 0, BrightnessAndContrastAndSaturation::CreateInstance, nullptr},
     {"Explode", 1050, 6, nullptr, &Explode_default},
     {"Faceted", 1051, 6, nullptr, &Faceted_default},
     {"Eye", 1052, 6, nullptr, &Eye_default},

@@ -25,3 +25,15 @@ PRIM_ENTRY(PrimStatus, primiAddRandGauss_Direct_8u_AC4IR,
 PRIM_ENTRY(PrimStatus, primiReduceBits_8u_AC4R,
            (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size, int32_t noise,
             int32_t dither, int32_t levels))
+
+/* Constant arithmetic */
+PRIM_ENTRY(PrimStatus, primiAddC_8u_AC4IRSfs,
+           (const uint8_t value[3], uint8_t* image, int32_t step, PrimSize size, int32_t scaleFactor))
+PRIM_ENTRY(PrimStatus, primiSubC_8u_AC4IRSfs,
+           (const uint8_t value[3], uint8_t* image, int32_t step, PrimSize size, int32_t scaleFactor))
+
+/* Borders, mirror and fills */
+PRIM_ENTRY(PrimStatus, primiCopyReplicateBorder_8u_AC4R,
+           (const uint8_t* src, int32_t srcStep, PrimSize srcSize, uint8_t* dst, int32_t dstStep,
+            PrimSize dstSize, int32_t top, int32_t left))
+PRIM_ENTRY(PrimStatus, primiMirror_8u_AC4IR, (uint8_t* image, int32_t step, PrimSize size, int32_t axis))

@@ -23,3 +23,27 @@ PRIM_INTERNAL(PrimStatus, primsRandUniform_16s, (int16_t* output, int32_t length
 PRIM_INTERNAL(PrimStatus, primsRandUniform_32f, (float* output, int32_t length, PrimRandUniformState_32f* state))
 PRIM_INTERNAL(PrimStatus, primsRandUniformFree_16s, (PrimRandUniformState_16s* state))
 PRIM_INTERNAL(PrimStatus, primsRandUniformFree_32f, (PrimRandUniformState_32f* state))
+
+/* Borders, mirror and fills */
+PRIM_INTERNAL(PrimStatus, primiCopyReplicateBorder_8u_C4R,
+              (const uint8_t* src, int32_t srcStep, PrimSize srcSize, uint8_t* dst, int32_t dstStep,
+               PrimSize dstSize, int32_t top, int32_t left))
+PRIM_INTERNAL(PrimStatus, primiCopyReplicateBorder_8u_C4IR,
+              (uint8_t* image, int32_t step, PrimSize innerSize, PrimSize outerSize, int32_t top, int32_t left))
+PRIM_INTERNAL(PrimStatus, primiCopy_8u_AC4R,
+              (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size))
+PRIM_INTERNAL(PrimStatus, primiCopy_8u_C4R,
+              (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size))
+PRIM_INTERNAL(PrimStatus, primiSet_8u_AC4R, (const uint8_t value[3], uint8_t* image, int32_t step, PrimSize size))
+PRIM_INTERNAL(PrimStatus, primiSet_8u_C1R, (uint8_t value, uint8_t* image, int32_t step, PrimSize size))
+PRIM_INTERNAL(PrimStatus, primsCopy_8u, (const uint8_t* src, uint8_t* dst, int32_t length))
+PRIM_INTERNAL(PrimStatus, primsZero_8u, (uint8_t* vector, int32_t length))
+PRIM_INTERNAL(PrimStatus, primsZero_16s, (int16_t* vector, int32_t length))
+PRIM_INTERNAL(PrimStatus, primsSet_32f, (float value, float* vector, int32_t length))
+PRIM_INTERNAL(PrimStatus, primsMaxEvery_8u_I, (const uint8_t* src, uint8_t* srcDst, int32_t length))
+PRIM_INTERNAL(PrimStatus, primsMinEvery_8u_I, (const uint8_t* src, uint8_t* srcDst, int32_t length))
+
+/* Constant arithmetic */
+PRIM_INTERNAL(PrimStatus, primiSub_8u_AC4RSfs,
+              (const uint8_t* src1, int32_t src1Step, const uint8_t* src2, int32_t src2Step, uint8_t* dst,
+               int32_t dstStep, PrimSize size, int32_t scaleFactor))
