@@ -15,10 +15,7 @@ TEST(BrightnessEffect, AddsOrSubtractsTheAmountWithSaturation) {
                 g = kvtest::Clamp255(g + amount);
                 r = kvtest::Clamp255(r + amount);
             });
-            Brightness effect;
-            EffectArgs args = kvtest::Words(amount);
-            ASSERT_EQ(effect.SetArgs(&args), 0);
-            ASSERT_EQ(effect.Proc(frame.data(), size[0], size[1]), 0);
+            ASSERT_EQ(kvtest::ProcWith<Brightness>(kvtest::Words(amount), frame, size), 0);
             ASSERT_EQ(frame, expected) << "amount " << amount << " " << size[0] << "x" << size[1];
         }
     }

@@ -29,17 +29,15 @@ std::vector<uint8_t> Combined(std::vector<uint8_t> frame, int brightness, int co
 }
 
 TEST(BrightnessAndContrastAndSaturationEffect, EqualsTheStagesOnRandomFrames) {
-    const int settings[][3] = {{0, 0, 0},     {30, 0, 0},      {0, 50, 0},     {0, 0, -60},    {10, 200, 200},
-                               {0, 200, 200}, {0, -200, 200},  {-5, 200, -200}, {0, -200, -200}, {7, 3, 128},
-                               {0, -1, -128}, {200, 150, 170}};
+    const int settings[][3] = {{0, 0, 0},       {30, 0, 0},    {0, 50, 0},     {0, 0, -60},
+                               {10, 200, 200},  {0, 200, 200}, {0, -200, 200}, {-5, 200, -200},
+                               {0, -200, -200}, {7, 3, 128},   {0, -1, -128},  {200, 150, 170}};
     for (const auto& s : settings) {
         for (const auto& size : kvtest::kFrameSizes) {
             auto frame = kvtest::RandomBytes(size[0] * size[1] * 4, size[0] * 7 + s[1]);
             auto expected = Combined(frame, s[0], s[1], s[2]);
-            BrightnessAndContrastAndSaturation effect;
-            EffectArgs args = kvtest::Words(s[0], s[1], s[2]);
-            effect.SetArgs(&args);
-            ASSERT_EQ(effect.Proc(frame.data(), size[0], size[1]), 0);
+            ASSERT_EQ(
+                kvtest::ProcWith<BrightnessAndContrastAndSaturation>(kvtest::Words(s[0], s[1], s[2]), frame, size), 0);
             ASSERT_EQ(frame, expected) << s[0] << " " << s[1] << " " << s[2] << " on " << size[0] << "x" << size[1];
         }
     }

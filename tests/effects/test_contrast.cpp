@@ -31,10 +31,7 @@ TEST(ContrastEffect, RandomFramesOfAwkwardSizes) {
         for (const auto& size : kvtest::kFrameSizes) {
             auto frame = kvtest::RandomBytes(size[0] * size[1] * 4, size[0] + amount);
             auto expected = Contrasted(frame, amount);
-            Contrast effect;
-            EffectArgs args = kvtest::Words(amount);
-            effect.SetArgs(&args);
-            ASSERT_EQ(effect.Proc(frame.data(), size[0], size[1]), 0);
+            ASSERT_EQ(kvtest::ProcWith<Contrast>(kvtest::Words(amount), frame, size), 0);
             ASSERT_EQ(frame, expected) << "amount " << amount << " " << size[0] << "x" << size[1];
         }
     }

@@ -17,10 +17,7 @@ TEST(SaturationEffect, EqualsTheTablesOnRandomFrames) {
                 g = kvtest::Clamp255(tables(g, sum));
                 r = kvtest::Clamp255(tables(r, sum));
             });
-            Saturation effect;
-            EffectArgs args = kvtest::Words(amount);
-            effect.SetArgs(&args);
-            ASSERT_EQ(effect.Proc(frame.data(), size[0], size[1]), 0);
+            ASSERT_EQ(kvtest::ProcWith<Saturation>(kvtest::Words(amount), frame, size), 0);
             ASSERT_EQ(frame, expected) << "amount " << amount << " " << size[0] << "x" << size[1];
         }
     }
