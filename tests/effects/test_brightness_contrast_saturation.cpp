@@ -45,39 +45,26 @@ TEST(BrightnessAndContrastAndSaturationEffect, EqualsTheStagesOnRandomFrames) {
 
 TEST(BrightnessAndContrastAndSaturationEffect, NegativeBrightnessTurnsPositiveAfterItsFirstFrame) {
     Effect_Base* effect = Kelvarine_NewInstance(1040);
-    ASSERT_NE(effect, nullptr);
-    EffectArgs args = kvtest::Words(-20);
+    EffectArgs args = kvtest::Words(-20), read = {};
     effect->SetArgs(&args);
     unsigned char pixel[4] = {100, 10, 250, 3};
     effect->Proc(pixel, 1, 1);
-    EXPECT_EQ(pixel[0], 80);
-    EXPECT_EQ(pixel[1], 0);
-    EXPECT_EQ(pixel[2], 230);
-    EffectArgs read = {};
+    const unsigned char darker[4] = {80, 0, 230, 3}, brighter[4] = {100, 20, 250, 3};
+    EXPECT_TRUE(std::equal(pixel, pixel + 4, darker));
     effect->GetArgs(&read);
     EXPECT_EQ(read.word[0], 20);
     effect->Proc(pixel, 1, 1);
-    EXPECT_EQ(pixel[0], 100);
-    EXPECT_EQ(pixel[1], 20);
-    EXPECT_EQ(pixel[2], 250);
-    EXPECT_EQ(pixel[3], 3);
+    EXPECT_TRUE(std::equal(pixel, pixel + 4, brighter));
     Kelvarine_Destory(effect);
 }
 
 TEST(BrightnessAndContrastAndSaturationEffect, ClampsEachWordAndReadsBackThree) {
     BrightnessAndContrastAndSaturation effect;
-    EffectArgs read = {{9, 9, 9, 9, 9, 9}};
-    effect.GetArgs(&read);
-    EXPECT_EQ(read.word[0], 0);
-    EXPECT_EQ(read.word[1], 0);
-    EXPECT_EQ(read.word[2], 0);
-    EXPECT_EQ(read.word[3], 9);
-    EffectArgs args = kvtest::Words(300, -300, 5);
+    EffectArgs args = kvtest::Words(300, -300, 5), read = {{9, 9, 9, 9, 9, 9}};
     EXPECT_EQ(effect.SetArgs(&args), 0);
     effect.GetArgs(&read);
-    EXPECT_EQ(read.word[0], 200);
-    EXPECT_EQ(read.word[1], -200);
-    EXPECT_EQ(read.word[2], 5);
+    const EffectArgs held = {{200, -200, 5, 9, 9, 9}};
+    EXPECT_TRUE(std::equal(read.word, read.word + 6, held.word));
 }
 
 }  // namespace
