@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include "bench_support.h"
+#include "frame_loop.h"
 #include "kelvarine_prims.h"
 #ifdef KV_WITH_OPENCV
 #include <opencv2/core.hpp>
@@ -14,64 +15,46 @@ extern "C" PrimStatus m7_primiSub_8u_AC4RSfs(const uint8_t* src1, int32_t src1St
 
 namespace {
 
+using kvbench::RunPerFrame;
+
 constexpr int32_t kStep = kvbench::kWidth * 4;
 constexpr PrimSize kSize = {kvbench::kWidth, kvbench::kHeight};
 const uint8_t kConstant[3] = {12, 40, 3};
 
-void Finish(benchmark::State& state) {
-    state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(kvbench::kFrameBytes));
-}
-
+// Scale factor 0 saturates; 1 halves with rounding.
 void BM_AddC(benchmark::State& state) {
     auto frame = kvbench::Frame();
-    for (auto _ : state) {
-        primiAddC_8u_AC4IRSfs(kConstant, frame.data(), kStep, kSize, int32_t(state.range(0)));
-        benchmark::ClobberMemory();
-    }
-    Finish(state);
+    RunPerFrame(state, [&] { primiAddC_8u_AC4IRSfs(kConstant, frame.data(), kStep, kSize, int32_t(state.range(0))); });
 }
 BENCHMARK(BM_AddC)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 void BM_SubC(benchmark::State& state) {
     auto frame = kvbench::Frame();
-    for (auto _ : state) {
-        primiSubC_8u_AC4IRSfs(kConstant, frame.data(), kStep, kSize, int32_t(state.range(0)));
-        benchmark::ClobberMemory();
-    }
-    Finish(state);
+    RunPerFrame(state, [&] { primiSubC_8u_AC4IRSfs(kConstant, frame.data(), kStep, kSize, int32_t(state.range(0))); });
 }
 BENCHMARK(BM_SubC)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 void BM_Sub(benchmark::State& state) {
     auto first = kvbench::Frame(1), second = kvbench::Frame(2), result = kvbench::Frame(3);
-    for (auto _ : state) {
-        m7_primiSub_8u_AC4RSfs(first.data(), kStep, second.data(), kStep, result.data(), kStep, kSize, 0);
-        benchmark::ClobberMemory();
-    }
-    Finish(state);
+    RunPerFrame(state, [&] {
+        m7_primiSub_8u_AC4RSfs(first.data(), kStep, second.data(), kStep, result.data(), kStep, kSize,
+                               int32_t(state.range(0)));
+    });
 }
-BENCHMARK(BM_Sub)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Sub)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 #ifdef KV_WITH_OPENCV
 void BM_AddC_OpenCV(benchmark::State& state) {
     auto frame = kvbench::Frame();
     cv::Mat image(kvbench::kHeight, kvbench::kWidth, CV_8UC4, frame.data());
-    for (auto _ : state) {
-        cv::add(image, cv::Scalar(12, 40, 3, 0), image);
-        benchmark::ClobberMemory();
-    }
-    Finish(state);
+    RunPerFrame(state, [&] { cv::add(image, cv::Scalar(12, 40, 3, 0), image); });
 }
 BENCHMARK(BM_AddC_OpenCV)->Unit(benchmark::kMicrosecond);
 
 void BM_SubC_OpenCV(benchmark::State& state) {
     auto frame = kvbench::Frame();
     cv::Mat image(kvbench::kHeight, kvbench::kWidth, CV_8UC4, frame.data());
-    for (auto _ : state) {
-        cv::subtract(image, cv::Scalar(12, 40, 3, 0), image);
-        benchmark::ClobberMemory();
-    }
-    Finish(state);
+    RunPerFrame(state, [&] { cv::subtract(image, cv::Scalar(12, 40, 3, 0), image); });
 }
 BENCHMARK(BM_SubC_OpenCV)->Unit(benchmark::kMicrosecond);
 
@@ -80,11 +63,7 @@ void BM_Sub_OpenCV(benchmark::State& state) {
     cv::Mat a(kvbench::kHeight, kvbench::kWidth, CV_8UC4, first.data());
     cv::Mat b(kvbench::kHeight, kvbench::kWidth, CV_8UC4, second.data());
     cv::Mat c(kvbench::kHeight, kvbench::kWidth, CV_8UC4, result.data());
-    for (auto _ : state) {
-        cv::subtract(b, a, c);
-        benchmark::ClobberMemory();
-    }
-    Finish(state);
+    RunPerFrame(state, [&] { cv::subtract(b, a, c); });
 }
 BENCHMARK(BM_Sub_OpenCV)->Unit(benchmark::kMicrosecond);
 #endif

@@ -1,17 +1,36 @@
-// OpenCV counterparts of the tone effects, which bench_effects runs: a
-// saturating subtract for "Brightness", a byte table for "Contrast" and a
-// colour matrix for "Saturation".
+// The combined tone effect with all three stages at work (bench_effects runs
+// it at its defaults, which do nothing), and OpenCV counterparts of the tone
+// effects: a saturating subtract for "Brightness", a byte table for
+// "Contrast" and a colour matrix for "Saturation".
 #include <benchmark/benchmark.h>
 
 #include "bench_support.h"
+#include "kelvarine.h"
 #ifdef KV_WITH_OPENCV
 #include <opencv2/core.hpp>
+#endif
 
 namespace {
 
 void Finish(benchmark::State& state) {
     state.SetItemsProcessed(int64_t(state.iterations()) * kvbench::kWidth * kvbench::kHeight);
 }
+
+void BM_Effect_BrightnessAndContrastAndSaturation_AllStages(benchmark::State& state) {
+    auto frame = kvbench::Frame();
+    Effect_Base* effect = Kelvarine_NewInstance(1040);
+    EffectArgs args = {{20, 30, 40, 0, 0, 0}};
+    Kelvarine_SetEffectArgs(effect, &args);
+    for (auto _ : state) {
+        Kelvarine_Proc(effect, frame.data(), kvbench::kWidth, kvbench::kHeight);
+        benchmark::ClobberMemory();
+    }
+    Kelvarine_Destory(effect);
+    Finish(state);
+}
+BENCHMARK(BM_Effect_BrightnessAndContrastAndSaturation_AllStages)->Unit(benchmark::kMicrosecond);
+
+#ifdef KV_WITH_OPENCV
 
 void BM_Effect_Brightness_OpenCV(benchmark::State& state) {
     auto frame = kvbench::Frame();
@@ -55,5 +74,6 @@ void BM_Effect_Saturation_OpenCV(benchmark::State& state) {
 }
 BENCHMARK(BM_Effect_Saturation_OpenCV)->Unit(benchmark::kMicrosecond);
 
-}  // namespace
 #endif
+
+}  // namespace

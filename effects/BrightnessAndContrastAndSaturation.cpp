@@ -37,28 +37,33 @@ void BrightnessAndContrastAndSaturation::BrightnessAndContrastAndSaturation_Proc
     Brightness::Brightness_Proc(frame, width, height, amount);
     if (contrast == 0 && saturation == 0) return;
 
-    const bool saturate = saturation != 0;
-    if (saturate) BuildSaturationTables(saturation, &factor, scale, spread);
     const int32_t k = 2 * contrast;
-    const SaturationWide saturateWide(saturate ? factor : 0);
     const ContrastWide contrastWide(k);
-    auto wide = [&](__m128i v) {
-        if (!saturate) return k != 0 ? contrastWide.Bytes(v) : v;
-        v = _mm_max_epi16(saturateWide(v), _mm_setzero_si128());
-        return k != 0 ? contrastWide.Values(v) : v;
+    if (saturation == 0) {
+        ToneLoop(frame, width, height, [contrastWide](__m128i v) { return contrastWide.Bytes(v); },
+                 [k](int32_t& b, int32_t& g, int32_t& r) { ContrastValues(k, b, g, r); });
+        return;
+    }
+
+    BuildSaturationTables(saturation, &factor, scale, spread);
+    const SaturationWide saturateWide(factor);
+    auto saturateNarrow = [this](int32_t& b, int32_t& g, int32_t& r) {
+        SaturateValues(scale, spread, b, g, r);
+        b = b < 0 ? 0 : b;
+        g = g < 0 ? 0 : g;
+        r = r < 0 ? 0 : r;
     };
-    auto narrow = [&](int32_t& b, int32_t& g, int32_t& r) {
-        if (saturate) {
-            SaturateValues(scale, spread, b, g, r);
-            b = b < 0 ? 0 : b;
-            g = g < 0 ? 0 : g;
-            r = r < 0 ? 0 : r;
-        }
-        if (k != 0) {
-            b = ContrastValue(b, k);
-            g = ContrastValue(g, k);
-            r = ContrastValue(r, k);
-        }
-    };
-    ToneLoop(frame, width, height, wide, narrow);
+    if (k == 0) {
+        ToneLoop(frame, width, height, saturateWide, saturateNarrow);
+        return;
+    }
+    ToneLoop(
+        frame, width, height,
+        [saturateWide, contrastWide](__m128i v) {
+            return contrastWide.Values(_mm_max_epi16(saturateWide(v), _mm_setzero_si128()));
+        },
+        [&saturateNarrow, k](int32_t& b, int32_t& g, int32_t& r) {
+            saturateNarrow(b, g, r);
+            ContrastValues(k, b, g, r);
+        });
 }

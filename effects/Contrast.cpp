@@ -24,9 +24,6 @@ void Contrast::Contrast_proc(unsigned char* frame, int32_t width, int32_t height
     if (amount == 0) return;
     const int32_t k = 2 * amount;
     const ContrastWide wide(k);
-    ToneLoop(frame, width, height, [&wide](__m128i v) { return wide.Bytes(v); }, [k](int32_t& b, int32_t& g, int32_t& r) {
-        b = ContrastValue(b, k);
-        g = ContrastValue(g, k);
-        r = ContrastValue(r, k);
-    });
+    ToneLoop(frame, width, height, [wide](__m128i v) { return wide.Bytes(v); },
+             [k](int32_t& b, int32_t& g, int32_t& r) { ContrastValues(k, b, g, r); });
 }

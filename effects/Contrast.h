@@ -28,6 +28,12 @@ inline int32_t ContrastValue(int32_t v, int32_t k) {
     return v > 127 ? v + q : v - q;
 }
 
+inline void ContrastValues(int32_t k, int32_t& b, int32_t& g, int32_t& r) {
+    b = ContrastValue(b, k);
+    g = ContrastValue(g, k);
+    r = ContrastValue(r, k);
+}
+
 // ContrastValue on eight 16-bit lanes: Bytes for values up to 255, Values
 // for values up to 1023.
 class ContrastWide {
@@ -36,22 +42,21 @@ public:
         : size_(_mm_set1_epi16(static_cast<int16_t>(k < 0 ? -k : k))),
           downBelowMiddle_(_mm_set1_epi16(static_cast<int16_t>(k > 0 ? -1 : 0))) {}
 
-    // distance * |k| is at most 128 * 400 and fits 16 bits, where
-    // x / 255 = (x * 0x8081) >> 23 holds exactly.
-    __m128i Bytes(__m128i v) const {
-        const __m128i product = _mm_mullo_epi16(Distance(v), size_);
-        const __m128i q = _mm_srli_epi16(_mm_mulhi_epu16(product, _mm_set1_epi16(static_cast<int16_t>(0x8081))), 7);
-        return Move(v, q);
-    }
+    // distance * |k| is at most 128 * 400 and fits 16 bits.
+    __m128i Bytes(__m128i v) const { return Move(v, DivideBy255(_mm_mullo_epi16(Distance(v), size_))); }
 
-    // distance * |k| needs up to 19 bits: the 32-bit products, in two halves.
+    // distance * |k| = x needs up to 19 bits: x = high * 65536 + low, and as
+    // 65536 = 257 * 255 + 1, x / 255 = 257 * high + low / 255, plus 1 when
+    // low % 255 + high reaches 255.
     __m128i Values(__m128i v) const {
         const __m128i distance = Distance(v);
-        const __m128i low = _mm_mullo_epi16(distance, size_);
         const __m128i high = _mm_mulhi_epu16(distance, size_);
-        const __m128i q = _mm_packs_epi32(DivideBy255(_mm_unpacklo_epi16(low, high)),
-                                          DivideBy255(_mm_unpackhi_epi16(low, high)));
-        return Move(v, q);
+        const __m128i low = _mm_mullo_epi16(distance, size_);
+        const __m128i lowQuotient = DivideBy255(low);
+        const __m128i lowRemainder = _mm_sub_epi16(low, _mm_mullo_epi16(lowQuotient, _mm_set1_epi16(255)));
+        const __m128i carry = _mm_cmpgt_epi16(_mm_add_epi16(lowRemainder, high), _mm_set1_epi16(254));
+        const __m128i q = _mm_add_epi16(_mm_mullo_epi16(high, _mm_set1_epi16(257)), lowQuotient);
+        return Move(v, _mm_sub_epi16(q, carry));
     }
 
 private:
@@ -66,12 +71,9 @@ private:
         return _mm_add_epi16(v, _mm_sub_epi16(_mm_xor_si128(q, down), down));
     }
 
-    // x / 255, truncated, exact for x below 2^21: with u = x + 1,
-    // (u + ((u + (x >> 8)) >> 8)) >> 8.
+    // x / 255 for unsigned 16-bit x, exactly: (x * 0x8081) >> 23.
     static __m128i DivideBy255(__m128i x) {
-        const __m128i u = _mm_add_epi32(x, _mm_set1_epi32(1));
-        const __m128i inner = _mm_srli_epi32(_mm_add_epi32(u, _mm_srli_epi32(x, 8)), 8);
-        return _mm_srli_epi32(_mm_add_epi32(u, inner), 8);
+        return _mm_srli_epi16(_mm_mulhi_epu16(x, _mm_set1_epi16(static_cast<int16_t>(0x8081))), 7);
     }
 
     __m128i size_;             // |k|

@@ -126,8 +126,7 @@ struct Bounded {
 class ConstantOperand {
 public:
     static constexpr bool kFourthByteIsZero = true;
-    explicit ConstantOperand(const uint8_t value[3])
-        : word_(value[0] | value[1] << 8 | static_cast<uint32_t>(value[2]) << 16) {}
+    explicit ConstantOperand(const uint8_t value[3]) : word_(ColourWord(value)) {}
     uint8_t Byte(size_t i) const { return static_cast<uint8_t>(word_ >> ((i & 3) * 8)); }
     void AlignTo(size_t offset) { wide_ = Broadcast(RotateBytes(word_, offset)); }
     __m128i Wide(size_t) const { return wide_; }

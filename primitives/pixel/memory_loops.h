@@ -53,6 +53,11 @@ inline uint32_t LoadWord(const uint8_t* at) {
     return word;
 }
 
+// Three colour bytes as a pixel word with a zero fourth byte.
+inline uint32_t ColourWord(const uint8_t value[3]) {
+    return value[0] | static_cast<uint32_t>(value[1]) << 8 | static_cast<uint32_t>(value[2]) << 16;
+}
+
 inline __m128i LoadUnaligned(const uint8_t* at) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at)); }
 inline void StoreUnaligned(uint8_t* at, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(at), v); }
 inline __m128i Broadcast(uint32_t word) { return _mm_set1_epi32(static_cast<int>(word)); }

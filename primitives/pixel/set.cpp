@@ -57,8 +57,7 @@ using namespace PRIM_BUILD;
 extern "C" PrimStatus PRIM(primiSet_8u_AC4R)(const uint8_t value[3], uint8_t* image, int32_t step, PrimSize size) {
     if (value == nullptr || image == nullptr) return PrimNullPtrErr;
     if (size.width < 1 || size.height < 1) return PrimSizeErr;
-    uint32_t word = value[0] | value[1] << 8 | static_cast<uint32_t>(value[2]) << 16;
-    FillRows<MergedStores>(image, step, size, 4, word, kColourMask);
+    FillRows<MergedStores>(image, step, size, 4, ColourWord(value), kColourMask);
     return PrimOk;
 }
 

@@ -29,17 +29,15 @@ std::vector<uint8_t> Combined(std::vector<uint8_t> frame, int brightness, int co
 }
 
 TEST(BrightnessAndContrastAndSaturationEffect, EqualsTheStagesOnRandomFrames) {
-    const int settings[][3] = {{0, 0, 0},     {30, 0, 0},      {0, 50, 0},     {0, 0, -60},    {10, 200, 200},
-                               {0, 200, 200}, {0, -200, 200},  {-5, 200, -200}, {0, -200, -200}, {7, 3, 128},
-                               {0, -1, -128}, {200, 150, 170}};
+    const int settings[][3] = {{0, 0, 0},       {30, 0, 0},    {0, 50, 0},     {0, 0, -60},
+                               {10, 200, 200},  {0, 200, 200}, {0, -200, 200}, {-5, 200, -200},
+                               {0, -200, -200}, {7, 3, 128},   {0, -1, -128},  {200, 150, 170}};
     for (const auto& s : settings) {
         for (const auto& size : kvtest::kFrameSizes) {
             auto frame = kvtest::RandomBytes(size[0] * size[1] * 4, size[0] * 7 + s[1]);
             auto expected = Combined(frame, s[0], s[1], s[2]);
-            BrightnessAndContrastAndSaturation effect;
-            EffectArgs args = kvtest::Words(s[0], s[1], s[2]);
-            effect.SetArgs(&args);
-            ASSERT_EQ(effect.Proc(frame.data(), size[0], size[1]), 0);
+            ASSERT_EQ(
+                kvtest::ProcWith<BrightnessAndContrastAndSaturation>(kvtest::Words(s[0], s[1], s[2]), frame, size), 0);
             ASSERT_EQ(frame, expected) << s[0] << " " << s[1] << " " << s[2] << " on " << size[0] << "x" << size[1];
         }
     }
@@ -47,39 +45,26 @@ TEST(BrightnessAndContrastAndSaturationEffect, EqualsTheStagesOnRandomFrames) {
 
 TEST(BrightnessAndContrastAndSaturationEffect, NegativeBrightnessTurnsPositiveAfterItsFirstFrame) {
     Effect_Base* effect = Kelvarine_NewInstance(1040);
-    ASSERT_NE(effect, nullptr);
-    EffectArgs args = kvtest::Words(-20);
+    EffectArgs args = kvtest::Words(-20), read = {};
     effect->SetArgs(&args);
     unsigned char pixel[4] = {100, 10, 250, 3};
     effect->Proc(pixel, 1, 1);
-    EXPECT_EQ(pixel[0], 80);
-    EXPECT_EQ(pixel[1], 0);
-    EXPECT_EQ(pixel[2], 230);
-    EffectArgs read = {};
+    const unsigned char darker[4] = {80, 0, 230, 3}, brighter[4] = {100, 20, 250, 3};
+    EXPECT_TRUE(std::equal(pixel, pixel + 4, darker));
     effect->GetArgs(&read);
     EXPECT_EQ(read.word[0], 20);
     effect->Proc(pixel, 1, 1);
-    EXPECT_EQ(pixel[0], 100);
-    EXPECT_EQ(pixel[1], 20);
-    EXPECT_EQ(pixel[2], 250);
-    EXPECT_EQ(pixel[3], 3);
+    EXPECT_TRUE(std::equal(pixel, pixel + 4, brighter));
     Kelvarine_Destory(effect);
 }
 
 TEST(BrightnessAndContrastAndSaturationEffect, ClampsEachWordAndReadsBackThree) {
     BrightnessAndContrastAndSaturation effect;
-    EffectArgs read = {{9, 9, 9, 9, 9, 9}};
-    effect.GetArgs(&read);
-    EXPECT_EQ(read.word[0], 0);
-    EXPECT_EQ(read.word[1], 0);
-    EXPECT_EQ(read.word[2], 0);
-    EXPECT_EQ(read.word[3], 9);
-    EffectArgs args = kvtest::Words(300, -300, 5);
+    EffectArgs args = kvtest::Words(300, -300, 5), read = {{9, 9, 9, 9, 9, 9}};
     EXPECT_EQ(effect.SetArgs(&args), 0);
     effect.GetArgs(&read);
-    EXPECT_EQ(read.word[0], 200);
-    EXPECT_EQ(read.word[1], -200);
-    EXPECT_EQ(read.word[2], 5);
+    const EffectArgs held = {{200, -200, 5, 9, 9, 9}};
+    EXPECT_TRUE(std::equal(read.word, read.word + 6, held.word));
 }
 
 }  // namespace

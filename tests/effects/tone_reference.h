@@ -49,6 +49,14 @@ const int kFrameSizes[][2] = {{1, 1}, {3, 1}, {4, 1}, {5, 3}, {17, 9}, {131, 7},
 
 inline EffectArgs Words(int32_t w0, int32_t w1 = 0, int32_t w2 = 0) { return EffectArgs{{w0, w1, w2, 0, 0, 0}}; }
 
+// A fresh effect of class Effect with the words set runs once on frame.
+template <class Effect>
+int32_t ProcWith(EffectArgs args, std::vector<uint8_t>& frame, const int size[2]) {
+    Effect effect;
+    effect.SetArgs(&args);
+    return effect.Proc(frame.data(), size[0], size[1]);
+}
+
 }  // namespace kvtest
 
 #endif
