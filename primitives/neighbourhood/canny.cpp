@@ -62,6 +62,14 @@ public:
         top_[1] = static_cast<Element>(column);
         top_ += 2;
     }
+    // Writes the pair in any case and keeps it only when asked: no branch
+    // on the data. The write stays inside the stack, since no more pixels
+    // have been pushed than seen.
+    void PushIf(bool keep, uint32_t row, uint32_t column) {
+        top_[0] = static_cast<Element>(row);
+        top_[1] = static_cast<Element>(column);
+        top_ += keep ? 2 : 0;
+    }
     bool Pop(uint32_t& row, uint32_t& column) {
         if (top_ == base_) return false;
         top_ -= 2;
@@ -199,13 +207,11 @@ void SuppressFour(const RowView& row, int32_t x, __m128i high, EdgeStack<Element
     const __m128i aboveAfter = _mm_or_si128(_mm_cmpgt_epi32(m, after), _mm_and_si128(straight, _mm_cmpeq_epi32(m, after)));
     const __m128i survives = _mm_and_si128(_mm_cmpgt_epi32(m, before), aboveAfter);
     const __m128i seeds = _mm_and_si128(survives, _mm_cmpgt_epi32(m, high));
-    const uint32_t candidates = MaskBytes(survives, kCandidate);
-    if (candidates == 0) return;
+    const uint32_t candidates = MaskBytes(survives, kCandidate), edges = MaskBytes(seeds, kEdge);
     memcpy(row.map + c, &candidates, 4);
-    const uint32_t edges = MaskBytes(seeds, kEdge);
     memcpy(row.dst + x, &edges, 4);
-    for (int bits = _mm_movemask_ps(_mm_castsi128_ps(seeds)); bits != 0; bits &= bits - 1)
-        stack.Push(row.mapRow, static_cast<uint32_t>(c + __builtin_ctz(static_cast<unsigned>(bits))));
+    const int bits = _mm_movemask_ps(_mm_castsi128_ps(seeds));
+    for (int lane = 0; lane < 4; ++lane) stack.PushIf((bits >> lane) & 1, row.mapRow, static_cast<uint32_t>(c + lane));
 }
 
 template <class Element>
@@ -248,18 +254,24 @@ void SuppressRow(const RowView& row, int32_t width, int32_t high, EdgeStack<Elem
 
 // Grows the seeds: every candidate next to an edge pixel becomes one. The
 // map's frame is 0, so the walk never leaves the image.
+// The neighbours are taken row by row, above, level, below, and left to
+// right in a row. A row's three map bytes come in one 4-byte load (the
+// fourth byte lies in the map or in the padding behind it), so that only
+// the candidates among them cost a branch.
 template <class Element>
 void Hysteresis(EdgeStack<Element>& stack, const uint8_t* map, ptrdiff_t stride, uint8_t* dst, int32_t dstStep) {
     uint32_t row, column;
     while (stack.Pop(row, column)) {
+        const uint8_t* here = map + row * stride + column;
+        uint8_t* edge = dst + (static_cast<ptrdiff_t>(row) - 1) * dstStep + column - 1;
         for (int32_t dr = -1; dr <= 1; ++dr) {
-            for (int32_t dc = -1; dc <= 1; ++dc) {
-                const ptrdiff_t r = static_cast<ptrdiff_t>(row) + dr, c = static_cast<ptrdiff_t>(column) + dc;
-                if ((map[r * stride + c] & 0x80) == 0) continue;
-                uint8_t& edge = dst[(r - 1) * dstStep + (c - 1)];
-                if (edge != 0) continue;
-                edge = kEdge;
-                stack.Push(static_cast<uint32_t>(r), static_cast<uint32_t>(c));
+            uint32_t candidates = LoadWord(here + dr * stride - 1) & (dr == 0 ? 0x800080u : 0x808080u);
+            for (; candidates != 0; candidates &= candidates - 1) {
+                const int32_t dc = (__builtin_ctz(candidates) >> 3) - 1;
+                uint8_t& neighbour = edge[dr * static_cast<ptrdiff_t>(dstStep) + dc];
+                if (neighbour != 0) continue;
+                neighbour = kEdge;
+                stack.Push(row + dr, column + dc);
             }
         }
     }

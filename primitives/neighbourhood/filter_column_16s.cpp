@@ -87,20 +87,9 @@ void ColumnPass(int16_t* const* window, int16_t* dst, int32_t dstStepElements, P
     if (streaming) _mm_sfence();
 }
 
-void ownFilterColumnPipeline_16s_C1R_3x3_kerDx_W7cn(int16_t* const* window, int16_t* dst, int32_t dstStepElements,
-                                                    PrimSize size, bool streaming) {
-    ColumnPass<Dx3>(window, dst, dstStepElements, size, streaming);
-}
-
-void ownFilterColumnPipeline_16s_C1R_5x5_kerDx_W7cn(int16_t* const* window, int16_t* dst, int32_t dstStepElements,
-                                                    PrimSize size, bool streaming) {
-    ColumnPass<Dx5>(window, dst, dstStepElements, size, streaming);
-}
-
-void ownFilterColumnPipeline_16s_C1R_3x3_kerSobelNeg_W7cn(int16_t* const* window, int16_t* dst,
-                                                          int32_t dstStepElements, PrimSize size, bool streaming) {
-    ColumnPass<SobelNeg3>(window, dst, dstStepElements, size, streaming);
-}
+constexpr ColumnPipelineFunction ownFilterColumnPipeline_16s_C1R_3x3_kerDx_W7cn = ColumnPass<Dx3>;
+constexpr ColumnPipelineFunction ownFilterColumnPipeline_16s_C1R_5x5_kerDx_W7cn = ColumnPass<Dx5>;
+constexpr ColumnPipelineFunction ownFilterColumnPipeline_16s_C1R_3x3_kerSobelNeg_W7cn = ColumnPass<SobelNeg3>;
 
 // Output rows go in pairs that share their loads; an odd last row alone.
 void ownFilterColumnPipeline_16s_C1R_5x5_kerSobelNeg_W7cn(int16_t* const* window, int16_t* dst,

@@ -99,29 +99,11 @@ void RowPass(const uint8_t* src, int16_t* const* rows, uint8_t* line, int32_t sr
     }
 }
 
-void ownFilterRowBorderPipeline_8u16s_C1R_3x3_kerDxNeg(const uint8_t* src, int16_t* const* rows, uint8_t* line,
-                                                       int32_t srcStep, PrimSize size, int32_t border,
-                                                       uint8_t value) {
-    RowPass<DxNeg3>(src, rows, line, srcStep, size, border, value);
-}
-
-void ownFilterRowBorderPipeline_8u16s_C1R_5x5_kerDxNeg(const uint8_t* src, int16_t* const* rows, uint8_t* line,
-                                                       int32_t srcStep, PrimSize size, int32_t border,
-                                                       uint8_t value) {
-    RowPass<DxNeg5>(src, rows, line, srcStep, size, border, value);
-}
-
-void ownFilterRowBorderPipeline_8u16s_C1R_3x3_kerSobel(const uint8_t* src, int16_t* const* rows, uint8_t* line,
-                                                       int32_t srcStep, PrimSize size, int32_t border,
-                                                       uint8_t value) {
-    RowPass<Sobel3>(src, rows, line, srcStep, size, border, value);
-}
-
-void ownFilterRowBorderPipeline_8u16s_C1R_5x5_kerSobel(const uint8_t* src, int16_t* const* rows, uint8_t* line,
-                                                       int32_t srcStep, PrimSize size, int32_t border,
-                                                       uint8_t value) {
-    RowPass<Sobel5>(src, rows, line, srcStep, size, border, value);
-}
+// The row functions of the table, by their names.
+constexpr RowPipelineFunction ownFilterRowBorderPipeline_8u16s_C1R_3x3_kerDxNeg = RowPass<DxNeg3>;
+constexpr RowPipelineFunction ownFilterRowBorderPipeline_8u16s_C1R_5x5_kerDxNeg = RowPass<DxNeg5>;
+constexpr RowPipelineFunction ownFilterRowBorderPipeline_8u16s_C1R_3x3_kerSobel = RowPass<Sobel3>;
+constexpr RowPipelineFunction ownFilterRowBorderPipeline_8u16s_C1R_5x5_kerSobel = RowPass<Sobel5>;
 
 }  // namespace
 
