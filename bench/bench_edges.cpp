@@ -77,8 +77,8 @@ void BM_Canny(benchmark::State& state) {
                                           BorderRepl, 0, work.data());
     std::vector<uint8_t> edges(gray.size());
     for (auto _ : state) {
-        primiCanny_16s8u_C1R(dx.data, dx.step, dy.data, dy.step, edges.data(), kvbench::kWidth, kSize, 600.0f,
-                             800.0f, work.data());
+        primiCanny_16s8u_C1R(dx.data, dx.step, dy.data, dy.step, edges.data(), kvbench::kWidth, kSize, 600.0f, 800.0f,
+                             work.data());
         benchmark::ClobberMemory();
     }
     CountPixels(state);

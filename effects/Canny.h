@@ -15,8 +15,7 @@ public:
     int32_t SetArgs(EffectArgs* args) override;
     int32_t GetArgs(EffectArgs* args) override;
 
-    void Canny_proc(unsigned char* frame, int32_t width, int32_t height, int32_t lowThreshold,
-                    int32_t highThreshold);
+    void Canny_proc(unsigned char* frame, int32_t width, int32_t height, int32_t lowThreshold, int32_t highThreshold);
 
 private:
     static uint8_t* NewEdgeMap(int32_t pixels);

@@ -65,8 +65,8 @@ enum class SobelFilter { Horiz, NegVert };
 
 // dst(x, y) = sum over the window of column weight times row weight times
 // the pixel, with no flip: Horiz is bottom minus top, NegVert right minus left.
-inline std::vector<int16_t> SobelReference(const MarginImage& image, SobelFilter filter, int32_t mask,
-                                           int32_t border, uint8_t value) {
+inline std::vector<int16_t> SobelReference(const MarginImage& image, SobelFilter filter, int32_t mask, int32_t border,
+                                           uint8_t value) {
     const int32_t smooth3[3] = {1, 2, 1}, smooth5[5] = {1, 4, 6, 4, 1};
     const int32_t slope3[3] = {-1, 0, 1}, slope5[5] = {-1, -2, 0, 2, 1};
     const int32_t k = mask == MaskSize3x3 ? 3 : 5, r = k / 2;

@@ -204,7 +204,8 @@ void SuppressFour(const RowView& row, int32_t x, __m128i high, EdgeStack<Element
     after = Merge(LoadLanes(row.below + c), after, vertical);
     after = Merge(LoadLanes(row.here + c + 1), after, horizontal);
 
-    const __m128i aboveAfter = _mm_or_si128(_mm_cmpgt_epi32(m, after), _mm_and_si128(straight, _mm_cmpeq_epi32(m, after)));
+    const __m128i aboveAfter =
+        _mm_or_si128(_mm_cmpgt_epi32(m, after), _mm_and_si128(straight, _mm_cmpeq_epi32(m, after)));
     const __m128i survives = _mm_and_si128(_mm_cmpgt_epi32(m, before), aboveAfter);
     const __m128i seeds = _mm_and_si128(survives, _mm_cmpgt_epi32(m, high));
     const uint32_t candidates = MaskBytes(survives, kCandidate), edges = MaskBytes(seeds, kEdge);
@@ -285,7 +286,8 @@ struct Gradients {
     const int16_t* DxRow(int32_t y) const { return Row(dx, dxStep, y); }
     const int16_t* DyRow(int32_t y) const { return Row(dy, dyStep, y); }
     static const int16_t* Row(const int16_t* image, int32_t step, int32_t y) {
-        return reinterpret_cast<const int16_t*>(reinterpret_cast<const uint8_t*>(image) + static_cast<ptrdiff_t>(y) * step);
+        return reinterpret_cast<const int16_t*>(reinterpret_cast<const uint8_t*>(image) +
+                                                static_cast<ptrdiff_t>(y) * step);
     }
 };
 
@@ -302,8 +304,13 @@ void RunCanny(const Gradients& gradients, uint8_t* dst, int32_t dstStep, PrimSiz
             MagnitudeRow(gradients.DxRow(y + 1), gradients.DyRow(y + 1), ringRow(y + 1) + 1, size.width, low);
         else
             memset(ringRow(y + 1), 0, sizeof(uint32_t) * static_cast<size_t>(buffer.stride));  // below the image
-        const RowView row = {gradients.DxRow(y), gradients.DyRow(y), ringRow(y - 1), ringRow(y), ringRow(y + 1),
-                             buffer.map + (y + 1) * buffer.stride, dst + static_cast<ptrdiff_t>(y) * dstStep,
+        const RowView row = {gradients.DxRow(y),
+                             gradients.DyRow(y),
+                             ringRow(y - 1),
+                             ringRow(y),
+                             ringRow(y + 1),
+                             buffer.map + (y + 1) * buffer.stride,
+                             dst + static_cast<ptrdiff_t>(y) * dstStep,
                              static_cast<uint32_t>(y + 1)};
         SuppressRow(row, size.width, high, stack);
     }

@@ -17,7 +17,9 @@ struct Dx3 {
         int32_t d = w[2][x] - w[0][x];
         return static_cast<int16_t>(d < -32768 ? -32768 : (d > 32767 ? 32767 : d));
     }
-    static __m128i Eight(int16_t* const* w, int32_t x) { return _mm_subs_epi16(LoadWords8(w[2] + x), LoadWords8(w[0] + x)); }
+    static __m128i Eight(int16_t* const* w, int32_t x) {
+        return _mm_subs_epi16(LoadWords8(w[2] + x), LoadWords8(w[0] + x));
+    }
 };
 
 // 2 (R(y+1) - R(y-1)) + R(y+2) - R(y-2)
@@ -92,8 +94,8 @@ constexpr ColumnPipelineFunction ownFilterColumnPipeline_16s_C1R_5x5_kerDx_W7cn 
 constexpr ColumnPipelineFunction ownFilterColumnPipeline_16s_C1R_3x3_kerSobelNeg_W7cn = ColumnPass<SobelNeg3>;
 
 // Output rows go in pairs that share their loads; an odd last row alone.
-void ownFilterColumnPipeline_16s_C1R_5x5_kerSobelNeg_W7cn(int16_t* const* window, int16_t* dst,
-                                                          int32_t dstStepElements, PrimSize size, bool streaming) {
+void ownFilterColumnPipeline_16s_C1R_5x5_kerSobelNeg_W7cn(int16_t* const* window, int16_t* dst, int32_t dstStepElements,
+                                                          PrimSize size, bool streaming) {
     int32_t y = 0;
     for (; y + 2 <= size.height; y += 2, dst += 2 * dstStepElements) {
         int16_t* const* w = window + y;

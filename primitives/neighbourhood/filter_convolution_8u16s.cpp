@@ -25,8 +25,8 @@ T* AlignUp32(void* at) {
 class Pipeline {
 public:
     Pipeline(const uint8_t* src, int32_t srcStep, int16_t* dst, int32_t dstStep, PrimSize size,
-             const int16_t* rowKernel, int32_t rowKernelSize, int32_t columnKernelSize, int rowSlot,
-             int columnSlot, int32_t border, uint8_t value, uint8_t* buffer)
+             const int16_t* rowKernel, int32_t rowKernelSize, int32_t columnKernelSize, int rowSlot, int columnSlot,
+             int32_t border, uint8_t value, uint8_t* buffer)
         : src_(src),
           srcStep_(srcStep),
           dst_(dst),
@@ -111,7 +111,8 @@ private:
                 if (kind_ == BorderConst) {
                     FillConstant(table_[Slot(v)]);
                 } else {
-                    const uint8_t* source = src_ + static_cast<ptrdiff_t>(BorderIndex(v, size_.height, kind_)) * srcStep_;
+                    const uint8_t* source =
+                        src_ + static_cast<ptrdiff_t>(BorderIndex(v, size_.height, kind_)) * srcStep_;
                     row_(source, table_ + Slot(v), line_, srcStep_, oneRow, sideBorder, value_);
                 }
             }
@@ -146,8 +147,8 @@ private:
 
 void ownFilterConvolution_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst, int32_t dstStep,
                                     PrimSize roiSize, const int16_t* rowKernel, int32_t rowKernelSize,
-                                    int32_t columnKernelSize, int rowSlot, int columnSlot,
-                                    int32_t borderType, uint8_t borderValue, uint8_t* buffer) {
+                                    int32_t columnKernelSize, int rowSlot, int columnSlot, int32_t borderType,
+                                    uint8_t borderValue, uint8_t* buffer) {
     Pipeline(src, srcStep, dst, dstStep, roiSize, rowKernel, rowKernelSize, columnKernelSize, rowSlot, columnSlot,
              borderType, borderValue, buffer)
         .Run();
@@ -158,9 +159,8 @@ void ownFilterConvolution_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t
 using namespace PRIM_BUILD;
 
 // The line scratch: room for a row end extended by the kernel's reach.
-extern "C" PrimStatus PRIM(primiFilterRowBorderPipelineGetBufferSize_8u16s_C1R)(PrimSize roiSize,
-                                                                                  int32_t kernelSize,
-                                                                                  int32_t* bufferSize) {
+extern "C" PrimStatus PRIM(primiFilterRowBorderPipelineGetBufferSize_8u16s_C1R)(PrimSize roiSize, int32_t kernelSize,
+                                                                                int32_t* bufferSize) {
     if (bufferSize == nullptr) return PrimNullPtrErr;
     if (roiSize.width < 1 || roiSize.height < 1 || kernelSize < 1) return PrimSizeErr;
     *bufferSize = Wrap32(36u * static_cast<uint32_t>(kernelSize) + 144u);
@@ -168,7 +168,7 @@ extern "C" PrimStatus PRIM(primiFilterRowBorderPipelineGetBufferSize_8u16s_C1R)(
 }
 
 extern "C" PrimStatus PRIM(primiFilterColumnPipelineGetBufferSize_16s_C1R)(PrimSize roiSize, int32_t kernelSize,
-                                                                             int32_t* bufferSize) {
+                                                                           int32_t* bufferSize) {
     if (bufferSize == nullptr) return PrimNullPtrErr;
     if (roiSize.width < 1 || roiSize.height < 1 || kernelSize < 1) return PrimSizeErr;
     *bufferSize = Wrap32(((static_cast<uint32_t>(roiSize.width) + 3u) & ~3u) * 12u + 64u);

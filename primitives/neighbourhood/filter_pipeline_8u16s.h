@@ -37,8 +37,8 @@ using RowPipelineFunction = void (*)(const uint8_t* src, int16_t* const* rows, u
 
 // Writes size.height output rows of size.width values. window[0] is the top
 // row of the first output row's neighbourhood; window[i] the rows below it.
-using ColumnPipelineFunction = void (*)(int16_t* const* window, int16_t* dst, int32_t dstStepElements,
-                                        PrimSize size, bool streaming);
+using ColumnPipelineFunction = void (*)(int16_t* const* window, int16_t* dst, int32_t dstStepElements, PrimSize size,
+                                        bool streaming);
 
 // Row functions by slot; only the slots that the Sobel primitives use are
 // filled: 2 3x3 kerDxNeg, 3 5x5 kerDxNeg, 6 3x3 kerSobel, 7 5x5 kerSobel.

@@ -14,7 +14,9 @@ namespace {
 // s(x-2) + 4 s(x-1) + 6 s(x) + 4 s(x+1) + s(x+2)
 struct Sobel5 {
     static constexpr int32_t kRadius = 2;
-    static int16_t One(const uint8_t* s) { return static_cast<int16_t>(s[-2] + 4 * s[-1] + 6 * s[0] + 4 * s[1] + s[2]); }
+    static int16_t One(const uint8_t* s) {
+        return static_cast<int16_t>(s[-2] + 4 * s[-1] + 6 * s[0] + 4 * s[1] + s[2]);
+    }
     static __m128i Eight(const uint8_t* s) {
         __m128i outer = _mm_add_epi16(LoadBytes8(s - 2), LoadBytes8(s + 2));
         __m128i inner = _mm_add_epi16(LoadBytes8(s - 1), LoadBytes8(s + 1));

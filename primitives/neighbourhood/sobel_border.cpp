@@ -83,25 +83,25 @@ PrimStatus SobelBorder(const uint8_t* src, int32_t srcStep, int16_t* dst, int32_
 using namespace PRIM_BUILD;
 
 extern "C" PrimStatus PRIM(primiFilterSobelHorizGetBufferSize_8u16s_C1R)(PrimSize roiSize, int32_t mask,
-                                                                           int32_t* bufferSize) {
+                                                                         int32_t* bufferSize) {
     return SobelBufferSize(roiSize, mask, bufferSize);
 }
 
 extern "C" PrimStatus PRIM(primiFilterSobelNegVertGetBufferSize_8u16s_C1R)(PrimSize roiSize, int32_t mask,
-                                                                             int32_t* bufferSize) {
+                                                                           int32_t* bufferSize) {
     return SobelBufferSize(roiSize, mask, bufferSize);
 }
 
 extern "C" PrimStatus PRIM(primiFilterSobelHorizBorder_8u16s_C1R)(const uint8_t* src, int32_t srcStep, int16_t* dst,
-                                                                   int32_t dstStep, PrimSize roiSize, int32_t mask,
-                                                                   int32_t borderType, uint8_t borderValue,
-                                                                   uint8_t* buffer) {
+                                                                  int32_t dstStep, PrimSize roiSize, int32_t mask,
+                                                                  int32_t borderType, uint8_t borderValue,
+                                                                  uint8_t* buffer) {
     return SobelBorder(src, srcStep, dst, dstStep, roiSize, mask, borderType, borderValue, buffer, kSobelHoriz);
 }
 
-extern "C" PrimStatus PRIM(primiFilterSobelNegVertBorder_8u16s_C1R)(const uint8_t* src, int32_t srcStep,
-                                                                     int16_t* dst, int32_t dstStep, PrimSize roiSize,
-                                                                     int32_t mask, int32_t borderType,
-                                                                     uint8_t borderValue, uint8_t* buffer) {
+extern "C" PrimStatus PRIM(primiFilterSobelNegVertBorder_8u16s_C1R)(const uint8_t* src, int32_t srcStep, int16_t* dst,
+                                                                    int32_t dstStep, PrimSize roiSize, int32_t mask,
+                                                                    int32_t borderType, uint8_t borderValue,
+                                                                    uint8_t* buffer) {
     return SobelBorder(src, srcStep, dst, dstStep, roiSize, mask, borderType, borderValue, buffer, kSobelNegVert);
 }

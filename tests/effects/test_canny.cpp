@@ -1,9 +1,8 @@
 // The Canny effect: its parameter words, its result against gray, the 5x5
 // Sobel pair and the detector written out plainly, its guard, and buffers
 // that live while size and thresholds stay.
-#include <unistd.h>
-
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <cstdlib>
@@ -36,8 +35,8 @@ Bytes CannyEffectReference(const Bytes& frame, int32_t width, int32_t height, in
     EXPECT_EQ(primiRGBToGray_8u_AC4C1R(frame.data(), width * 4, gray.bytes.data(), width, gray.size), PrimOk);
     auto dx = kvtest::SobelReference(gray, kvtest::SobelFilter::NegVert, MaskSize5x5, BorderRepl, 0);
     auto dy = kvtest::SobelReference(gray, kvtest::SobelFilter::Horiz, MaskSize5x5, BorderRepl, 0);
-    auto edges = kvtest::CannyReference(dx.data(), dy.data(), width, gray.size, float(low) * 10.0f,
-                                        float(high) * 10.0f);
+    auto edges =
+        kvtest::CannyReference(dx.data(), dy.data(), width, gray.size, float(low) * 10.0f, float(high) * 10.0f);
     Bytes expected = frame;
     for (size_t i = 0; i < edges.size(); ++i) memset(&expected[4 * i], edges[i], 3);
     return expected;
@@ -79,12 +78,13 @@ TEST(CannyEffect, EqualsGraySobelAndCannyOnRandomFrames) {
     struct Case {
         int32_t width, height, low, high;
     };
-    const Case cases[] = {{1, 1, 60, 80},  {3, 2, 60, 80},    {9, 7, 0, 5},    {33, 20, 60, 80},
+    const Case cases[] = {{1, 1, 60, 80},   {3, 2, 60, 80},     {9, 7, 0, 5},     {33, 20, 60, 80},
                           {33, 20, 20, 20}, {64, 48, 100, 100}, {37, 29, 10, 90}, {17, 40, 60, 80}};
     uint32_t seed = 3;
     for (const Case& c : cases)
         for (bool smooth : {false, true}) {
-            Bytes frame = smooth ? SmoothFrame(c.width, c.height, seed) : kvtest::RandomBytes(size_t(c.width) * c.height * 4, seed);
+            Bytes frame = smooth ? SmoothFrame(c.width, c.height, seed)
+                                 : kvtest::RandomBytes(size_t(c.width) * c.height * 4, seed);
             ++seed;
             Effect_Base* effect = Canny::CreateInstance();
             EffectArgs args = Words(c.low, c.high);
@@ -154,7 +154,9 @@ protected:
 TEST_F(CannyAllocations, RecreatesBuffersOnlyForANewSizeOrThresholdAndLosesTheEdgesEachTime) {
     Bytes frame = SmoothFrame(40, 30, 1);
     Effect_Base* effect = Canny::CreateInstance();
-    auto run = [&](int32_t width, int32_t height) { return [&, width, height] { effect->Proc(frame.data(), width, height); }; };
+    auto run = [&](int32_t width, int32_t height) {
+        return [&, width, height] { effect->Proc(frame.data(), width, height); };
+    };
     auto set = [&](int32_t low, int32_t high) {
         EffectArgs args = Words(low, high);
         effect->SetArgs(&args);
