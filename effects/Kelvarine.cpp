@@ -5,6 +5,7 @@
 
 #include "effects/Brightness.h"
 #include "effects/BrightnessAndContrastAndSaturation.h"
+#include "effects/Canny.h"
 #include "effects/ColorAverage.h"
 #include "effects/ColorEmphase.h"
 #include "effects/ColorMask.h"
@@ -59,7 +60,7 @@ constexpr uint64_t kPresetRows = 0x7F7FC760000ull;
 // A row whose class is not built yet has no creator and creates nothing.
 const EffectListEntry EffectList[] = {
     {"Box", 1001, 6, nullptr, nullptr},
-    {"Canny", 1002, 6, nullptr, nullptr},
+    {"Canny", 1002, 6, Canny::CreateInstance, nullptr},
     {"Min Filter", 1003, 6, nullptr, nullptr},
     {"Dilate", 1006, 6, nullptr, nullptr},
     {"Erode", 1007, 6, nullptr, nullptr},

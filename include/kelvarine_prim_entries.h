@@ -37,3 +37,19 @@ PRIM_ENTRY(PrimStatus, primiCopyReplicateBorder_8u_AC4R,
            (const uint8_t* src, int32_t srcStep, PrimSize srcSize, uint8_t* dst, int32_t dstStep,
             PrimSize dstSize, int32_t top, int32_t left))
 PRIM_ENTRY(PrimStatus, primiMirror_8u_AC4IR, (uint8_t* image, int32_t step, PrimSize size, int32_t axis))
+
+/* Sobel border pipeline and Canny edge detector */
+PRIM_ENTRY(PrimStatus, primiFilterSobelHorizGetBufferSize_8u16s_C1R,
+           (PrimSize roiSize, int32_t mask, int32_t* bufferSize))
+PRIM_ENTRY(PrimStatus, primiFilterSobelNegVertGetBufferSize_8u16s_C1R,
+           (PrimSize roiSize, int32_t mask, int32_t* bufferSize))
+PRIM_ENTRY(PrimStatus, primiFilterSobelHorizBorder_8u16s_C1R,
+           (const uint8_t* src, int32_t srcStep, int16_t* dst, int32_t dstStep, PrimSize roiSize, int32_t mask,
+            int32_t borderType, uint8_t borderValue, uint8_t* buffer))
+PRIM_ENTRY(PrimStatus, primiFilterSobelNegVertBorder_8u16s_C1R,
+           (const uint8_t* src, int32_t srcStep, int16_t* dst, int32_t dstStep, PrimSize roiSize, int32_t mask,
+            int32_t borderType, uint8_t borderValue, uint8_t* buffer))
+PRIM_ENTRY(PrimStatus, primiCannyGetSize, (PrimSize roiSize, int32_t* bufferSize))
+PRIM_ENTRY(PrimStatus, primiCanny_16s8u_C1R,
+           (const int16_t* srcDx, int32_t srcDxStep, const int16_t* srcDy, int32_t srcDyStep, uint8_t* dst,
+            int32_t dstStep, PrimSize roiSize, float lowThresh, float highThresh, uint8_t* buffer))

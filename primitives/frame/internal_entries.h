@@ -47,3 +47,9 @@ PRIM_INTERNAL(PrimStatus, primsMinEvery_8u_I, (const uint8_t* src, uint8_t* srcD
 PRIM_INTERNAL(PrimStatus, primiSub_8u_AC4RSfs,
               (const uint8_t* src1, int32_t src1Step, const uint8_t* src2, int32_t src2Step, uint8_t* dst,
                int32_t dstStep, PrimSize size, int32_t scaleFactor))
+
+/* Sobel border pipeline: the scratch of its row and column stages */
+PRIM_INTERNAL(PrimStatus, primiFilterRowBorderPipelineGetBufferSize_8u16s_C1R,
+              (PrimSize roiSize, int32_t kernelSize, int32_t* bufferSize))
+PRIM_INTERNAL(PrimStatus, primiFilterColumnPipelineGetBufferSize_16s_C1R,
+              (PrimSize roiSize, int32_t kernelSize, int32_t* bufferSize))
