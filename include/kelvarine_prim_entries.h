@@ -37,3 +37,16 @@ PRIM_ENTRY(PrimStatus, primiCopyReplicateBorder_8u_AC4R,
            (const uint8_t* src, int32_t srcStep, PrimSize srcSize, uint8_t* dst, int32_t dstStep,
             PrimSize dstSize, int32_t top, int32_t left))
 PRIM_ENTRY(PrimStatus, primiMirror_8u_AC4IR, (uint8_t* image, int32_t step, PrimSize size, int32_t axis))
+
+/* Median filters */
+PRIM_ENTRY(PrimStatus, primiFilterMedian_8u_AC4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size, PrimSize mask,
+            PrimPoint anchor))
+PRIM_ENTRY(PrimStatus, primiFilterMedianHoriz_8u_AC4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size, int32_t mask))
+PRIM_ENTRY(PrimStatus, primiFilterMedianVert_8u_AC4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size, int32_t mask))
+PRIM_ENTRY(PrimStatus, primiFilterMedianCross_8u_AC4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size, int32_t mask))
+PRIM_ENTRY(PrimStatus, primiFilterMedianColor_8u_AC4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size, int32_t mask))
