@@ -9,49 +9,14 @@
 #include <vector>
 
 #include "jump_index.h"
-#include "primitives/pixel/image_under_test.h"
+#include "window_images.h"
 
 namespace {
 
+using kvtest::Images;
 using kvtest::ImageUnderTest;
-
-struct Offset {
-    int32_t dx, dy;
-};
-using Window = std::vector<Offset>;
-
-Window Rectangle(PrimSize mask, PrimPoint anchor) {
-    Window window;
-    for (int32_t y = 0; y < mask.height; ++y)
-        for (int32_t x = 0; x < mask.width; ++x) window.push_back({x - anchor.x, y - anchor.y});
-    return window;
-}
-
-// How far a window reaches beyond its pixel on each side.
-struct Reach {
-    int32_t left = 0, up = 0, right = 0, down = 0;
-};
-Reach ReachOf(const Window& window) {
-    Reach reach;
-    for (const Offset& o : window) {
-        reach.left = std::max(reach.left, -o.dx), reach.right = std::max(reach.right, o.dx);
-        reach.up = std::max(reach.up, -o.dy), reach.down = std::max(reach.down, o.dy);
-    }
-    return reach;
-}
-
-// A source region with room around it for the window's reach, and a
-// destination of the region's size; both inside random bytes.
-struct Images {
-    Images(PrimSize size, const Window& window, int32_t padding, int32_t offset, uint32_t seed)
-        : reach(ReachOf(window)),
-          src(size.width + reach.left + reach.right, size.height + reach.up + reach.down, padding, offset, seed),
-          dst(size.width, size.height, 2 * padding, 3 - offset, seed + 1) {}
-    const uint8_t* region() { return &src.at(reach.left, reach.up, 0); }
-
-    Reach reach;
-    ImageUnderTest src, dst;
-};
+using kvtest::Rectangle;
+using kvtest::Window;
 
 // Every byte reduced to one of a few values, so that windows hold many ties.
 void ToLevels(ImageUnderTest& image, int levels) {
@@ -74,15 +39,6 @@ std::vector<uint8_t> Expected(Images& images, const Window& window) {
     return expected.bytes;
 }
 
-// The shapes of the pixel tests, and rows long enough to run over the
-// chunks that the square filters work a row in.
-std::vector<kvtest::Shape> Shapes() {
-    std::vector<kvtest::Shape> shapes = kvtest::AwkwardShapes();
-    shapes.push_back({130, 3, 4, 1});
-    shapes.push_back({261, 2, 0, 2});
-    return shapes;
-}
-
 class MedianFilter : public EveryJumpIndex {};
 
 TEST_P(MedianFilter, EveryMaskAndAnchorGivesTheMiddleOfTheSortedWindow) {
@@ -96,7 +52,7 @@ TEST_P(MedianFilter, EveryMaskAndAnchorGivesTheMiddleOfTheSortedWindow) {
                                      {mask.width - 1, mask.height - 1},
                                      {static_cast<int32_t>(random() % mask.width), static_cast<int32_t>(random() % mask.height)}};
         for (const PrimPoint anchor : anchors)
-            for (const auto& shape : Shapes())
+            for (const auto& shape : kvtest::WindowShapes())
                 for (int levels : {256, 2, 5}) {
                     const Window window = Rectangle(mask, anchor);
                     Images images({shape.width, shape.height}, window, shape.padding, shape.offset, seed += 2);
@@ -207,7 +163,7 @@ TEST_P(MedianFilter, RowColumnAndCrossFormsGiveTheMiddleOfTheirWindows) {
     };
     uint32_t seed = 2000;
     for (const auto& c : cases)
-        for (const auto& shape : Shapes())
+        for (const auto& shape : kvtest::WindowShapes())
             for (int levels : {256, 2, 5}) {
                 Images images({shape.width, shape.height}, c.window, shape.padding, shape.offset, seed += 2);
                 if (levels < 256) ToLevels(images.src, levels);
