@@ -10,29 +10,29 @@
 namespace PRIM_BUILD {
 namespace {
 
-// The median of one channel's values in a window, with the histogram of the
-// window and the count of its values at or below the median.
-struct RunningMedian {
-    uint32_t count[256];
-    int32_t median;
-    int32_t atOrBelow;
+// One channel of one row. window is that channel's byte in the top-left
+// pixel of the row's first window; count is all zero on entry and on return.
+// The median m is tracked with the number of window values at or below it:
+// each move of the window adjusts that number, and m then walks from where
+// it was to the smallest value whose count reaches threshold.
+void SlideHistogramAlongRow(const uint8_t* window, int32_t srcStep, uint8_t* to, int32_t width, PrimSize mask,
+                            int32_t threshold, uint32_t* count) {
+    const ptrdiff_t step = srcStep, across = 4 * static_cast<ptrdiff_t>(mask.width);
+    for (int32_t r = 0; r < mask.height; ++r)
+        for (int32_t i = 0; i < mask.width; ++i) ++count[window[r * step + 4 * i]];
+    int32_t median = 0;
+    int32_t atOrBelow = static_cast<int32_t>(count[0]);
+    while (atOrBelow < threshold) atOrBelow += static_cast<int32_t>(count[++median]);
 
-    // From scratch: the smallest value whose cumulative count reaches
-    // threshold.
-    void Find(int32_t threshold) {
-        median = 0;
-        atOrBelow = static_cast<int32_t>(count[0]);
-        while (atOrBelow < threshold) atOrBelow += static_cast<int32_t>(count[++median]);
-    }
-
-    void Replace(uint8_t leaving, uint8_t entering) {
-        --count[leaving];
-        ++count[entering];
-        atOrBelow += (entering <= median) - (leaving <= median);
-    }
-
-    // Moves the median from where it was to where the counts now put it.
-    void Settle(int32_t threshold) {
+    for (int32_t x = 0; x + 1 < width; ++x) {
+        to[4 * x] = static_cast<uint8_t>(median);
+        const uint8_t* leaving = window + 4 * static_cast<ptrdiff_t>(x);
+        for (int32_t r = 0; r < mask.height; ++r, leaving += step) {
+            const uint8_t out = leaving[0], in = leaving[across];
+            --count[out];
+            ++count[in];
+            atOrBelow += (in <= median) - (out <= median);
+        }
         if (atOrBelow < threshold) {
             do atOrBelow += static_cast<int32_t>(count[++median]);
             while (atOrBelow < threshold);
@@ -42,48 +42,27 @@ struct RunningMedian {
             atOrBelow += static_cast<int32_t>(count[++median]);
         }
     }
-};
+    to[4 * static_cast<ptrdiff_t>(width - 1)] = static_cast<uint8_t>(median);
 
-constexpr int kColours = 3;
+    // Clearing only what the last window counted is cheaper than clearing
+    // every counter.
+    const uint8_t* last = window + 4 * static_cast<ptrdiff_t>(width - 1);
+    for (int32_t r = 0; r < mask.height; ++r)
+        for (int32_t i = 0; i < mask.width; ++i) count[last[r * step + 4 * i]] = 0;
+}
 
 // src is the top-left pixel of the first window of the region. The three
-// colour channels are ranked side by side, each with its own histogram; the
-// window is counted afresh at the start of each row.
+// colour channels of a row are ranked one after another; the window is
+// counted afresh at the start of each row.
 void SlideHistograms(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size,
                      PrimSize mask) {
     const int32_t threshold =
         static_cast<int32_t>((static_cast<uint32_t>(mask.width) * static_cast<uint32_t>(mask.height)) >> 1) + 1;
-    RunningMedian channel[kColours];
-    for (RunningMedian& c : channel) memset(c.count, 0, sizeof c.count);
-
+    uint32_t count[256] = {};
     for (int32_t y = 0; y < size.height; ++y) {
-        const uint8_t* window = PixelAt(src, srcStep, y, 0);
-        uint8_t* to = PixelAt(dst, dstStep, y, 0);
-        for (int32_t r = 0; r < mask.height; ++r) {
-            const uint8_t* row = PixelAt(window, srcStep, r, 0);
-            for (int32_t i = 0; i < mask.width; ++i)
-                for (int c = 0; c < kColours; ++c) ++channel[c].count[row[4 * i + c]];
-        }
-        for (RunningMedian& c : channel) c.Find(threshold);
-
-        for (int32_t x = 0; x + 1 < size.width; ++x) {
-            for (int c = 0; c < kColours; ++c) to[4 * x + c] = static_cast<uint8_t>(channel[c].median);
-            for (int32_t r = 0; r < mask.height; ++r) {
-                const uint8_t* leaving = PixelAt(window, srcStep, r, x);
-                const uint8_t* entering = leaving + 4 * static_cast<ptrdiff_t>(mask.width);
-                for (int c = 0; c < kColours; ++c) channel[c].Replace(leaving[c], entering[c]);
-            }
-            for (RunningMedian& c : channel) c.Settle(threshold);
-        }
-        const int32_t last = size.width - 1;
-        for (int c = 0; c < kColours; ++c) to[4 * last + c] = static_cast<uint8_t>(channel[c].median);
-
-        // Clearing only what the last window counted is cheaper than
-        // clearing every counter.
-        for (int32_t r = 0; r < mask.height; ++r) {
-            const uint8_t* row = PixelAt(window, srcStep, r, last);
-            for (int32_t i = 0; i < mask.width; ++i)
-                for (int c = 0; c < kColours; ++c) channel[c].count[row[4 * i + c]] = 0;
+        for (int c = 0; c < 3; ++c) {
+            SlideHistogramAlongRow(PixelAt(src, srcStep, y, 0) + c, srcStep, PixelAt(dst, dstStep, y, 0) + c,
+                                   size.width, mask, threshold, count);
         }
     }
 }

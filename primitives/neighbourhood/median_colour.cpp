@@ -18,35 +18,26 @@
 // Scores stay below 24 * 765 = 18360, so 16-bit lanes hold them.
 #include "primitives/neighbourhood/median_common.h"
 
-#ifdef __SSSE3__
-#include <tmmintrin.h>
-#endif
-
 namespace PRIM_BUILD {
 namespace {
 
 constexpr int32_t kChunk = 128;  // output pixels per chunk, a multiple of 8
 constexpr int32_t kLanes = 8;
 
-// Per 16-bit lane, the sum of its two bytes.
-inline __m128i BytePairSums(__m128i bytes) {
-#ifdef __SSSE3__
-    return _mm_maddubs_epi16(bytes, _mm_set1_epi8(1));
-#else
-    return _mm_add_epi16(_mm_and_si128(bytes, _mm_set1_epi16(0xFF)), _mm_srli_epi16(bytes, 8));
-#endif
+// Pixels are kept spread over 8 bytes each: the three colour bytes, then
+// zeros. A sum of absolute differences over 8 bytes then measures one pair
+// of pixels, two to a vector.
+inline __m128i Distances2(const uint64_t* a, const uint64_t* b) {
+    return _mm_sad_epu8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(a)),
+                        _mm_loadu_si128(reinterpret_cast<const __m128i*>(b)));
 }
 
-// Distances of four pixel pairs, fourth bytes cleared, in 32-bit lanes.
-inline __m128i Distances4(__m128i a, __m128i b) {
-    const __m128i difference = _mm_or_si128(_mm_subs_epu8(a, b), _mm_subs_epu8(b, a));
-    return _mm_madd_epi16(BytePairSums(difference), _mm_set1_epi16(1));
-}
-
-// Distances of eight pixel pairs in 16-bit lanes.
-inline __m128i Distances8(const uint32_t* a, const uint32_t* b) {
-    return _mm_packs_epi32(Distances4(FourPixels::Load(a), FourPixels::Load(b)),
-                           Distances4(FourPixels::Load(a + 4), FourPixels::Load(b + 4)));
+// Distances of eight pixel pairs in 16-bit lanes, in order: each sum lies in
+// the low 16 bits of a 64-bit lane with zeros above, so two rounds of packs
+// gather the eight.
+inline __m128i Distances8(const uint64_t* a, const uint64_t* b) {
+    return _mm_packs_epi32(_mm_packs_epi32(Distances2(a, b), Distances2(a + 2, b + 2)),
+                           _mm_packs_epi32(Distances2(a + 4, b + 4), Distances2(a + 6, b + 6)));
 }
 
 inline __m128i Load16(const int16_t* at) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at)); }
@@ -78,14 +69,18 @@ private:
     static constexpr int32_t kLine = kChunk + 2 * N + kLanes;
 
     // Line column i is the chunk's image column i - N/2, for the N rows of
-    // the window band; colours only.
+    // the window band; colours only, spread.
     void LoadBand(const uint8_t* topLeft, int32_t srcStep, int32_t n) {
-        const __m128i colours = Broadcast(kColourMask);
+        const __m128i colours = Broadcast(kColourMask), zero = _mm_setzero_si128();
         for (int r = 0; r < N; ++r) {
             const uint8_t* row = PixelAt(topLeft, srcStep, r, 0);
-            ForEachGroup(n + N - 1, [&](int32_t i, auto io) {
-                io.Store(&pixels_[r][i], _mm_and_si128(io.Load(row + 4 * i), colours));
-            });
+            int32_t i = 0;
+            for (; i + 4 <= n + N - 1; i += 4) {
+                const __m128i four = _mm_and_si128(FourPixels::Load(row + 4 * i), colours);
+                FourPixels::Store(&pixels_[r][i], _mm_unpacklo_epi32(four, zero));
+                FourPixels::Store(&pixels_[r][i + 2], _mm_unpackhi_epi32(four, zero));
+            }
+            for (; i < n + N - 1; ++i) pixels_[r][i] = LoadWord(row + 4 * i) & kColourMask;
         }
     }
 
@@ -93,7 +88,9 @@ private:
     void MeasureColumns(int32_t i) {
         __m128i within[N];
         for (int r = 0; r < N; ++r) within[r] = _mm_setzero_si128();
+#pragma GCC unroll 5
         for (int r1 = 0; r1 < N; ++r1)
+#pragma GCC unroll 5
             for (int r2 = r1 + 1; r2 < N; ++r2) {
                 const __m128i d = Distances8(&pixels_[r1][i], &pixels_[r2][i]);
                 within[r1] = _mm_add_epi16(within[r1], d);
@@ -104,7 +101,9 @@ private:
         for (int gap = 1; gap < N; ++gap) {
             __m128i right[N], left[N];
             for (int r = 0; r < N; ++r) right[r] = left[r] = _mm_setzero_si128();
+#pragma GCC unroll 5
             for (int r1 = 0; r1 < N; ++r1)
+#pragma GCC unroll 5
                 for (int r2 = 0; r2 < N; ++r2) {
                     const __m128i d = Distances8(&pixels_[r1][i], &pixels_[r2][i + gap]);
                     right[r1] = _mm_add_epi16(right[r1], d);
@@ -130,6 +129,7 @@ private:
     void StoreWinners(uint8_t* to, int32_t j, int32_t count) const {
         __m128i best = Score(0, 0, j);
         __m128i winner = _mm_setzero_si128();
+#pragma GCC unroll 25
         for (int k = 1; k < N * N; ++k) {
             const __m128i score = Score(k % N, k / N, j);
             const __m128i smaller = _mm_cmpgt_epi16(best, score);
@@ -139,13 +139,13 @@ private:
         alignas(16) int16_t index[kLanes];
         _mm_store_si128(reinterpret_cast<__m128i*>(index), winner);
         for (int32_t l = 0; l < count; ++l) {
-            const uint32_t colours = pixels_[index[l] / N][j + l + index[l] % N];
+            const uint32_t colours = static_cast<uint32_t>(pixels_[index[l] / N][j + l + index[l] % N]);
             const uint32_t kept = colours | (LoadWord(to + 4 * l) & ~kColourMask);
             memcpy(to + 4 * l, &kept, 4);
         }
     }
 
-    alignas(16) uint32_t pixels_[N][kLine];
+    alignas(16) uint64_t pixels_[N][kLine];
     alignas(16) int16_t within_[N][kLine];
     alignas(16) int16_t right_[N - 1][N][kLine];
     alignas(16) int16_t left_[N - 1][N][kLine];
