@@ -34,9 +34,7 @@ struct PaddedFrame {
     std::vector<uint8_t> frame;
 };
 
-void Finish(benchmark::State& state) {
-    state.SetItemsProcessed(int64_t(state.iterations()) * kWidth * kHeight);
-}
+void Finish(benchmark::State& state) { state.SetItemsProcessed(int64_t(state.iterations()) * kWidth * kHeight); }
 
 // Arguments: mask width, mask height.
 void BM_FilterMedian(benchmark::State& state) {

@@ -50,8 +50,8 @@ void CMedian::Median_Proc(unsigned char* frame, int32_t width, int32_t height, i
         Border = half;
         anchor = {half, half};
         const uint32_t both = static_cast<uint32_t>(size & ~1);
-        buffer = static_cast<unsigned char*>(primMalloc(static_cast<int32_t>(
-            (both + static_cast<uint32_t>(width)) * (both + static_cast<uint32_t>(height)) * 4u)));
+        buffer = static_cast<unsigned char*>(primMalloc(
+            static_cast<int32_t>((both + static_cast<uint32_t>(width)) * (both + static_cast<uint32_t>(height)) * 4u)));
         dstRoiSize = {width + 2 * Border, height + 2 * Border};
         dstStep = static_cast<int32_t>(static_cast<uint32_t>(dstRoiSize.width) * 4u);
         oldSize = size;
@@ -63,8 +63,7 @@ void CMedian::Median_Proc(unsigned char* frame, int32_t width, int32_t height, i
     // Proc only ever asks for kind 0. Kinds 3 and 4 pass code 33, which the
     // row and column filters refuse.
     if (kind > 4) return;
-    const unsigned char* inner =
-        buffer + static_cast<ptrdiff_t>(Border) * dstStep + static_cast<ptrdiff_t>(Border) * 4;
+    const unsigned char* inner = buffer + static_cast<ptrdiff_t>(Border) * dstStep + static_cast<ptrdiff_t>(Border) * 4;
     switch (kind) {
         case 0:
             primiFilterMedian_8u_AC4R(inner, dstStep, frame, Step, roiSize, maskSize, anchor);

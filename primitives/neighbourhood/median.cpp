@@ -6,8 +6,7 @@
 using namespace PRIM_BUILD;
 
 extern "C" PrimStatus PRIM(primiFilterMedian_8u_AC4R)(const uint8_t* src, int32_t srcStep, uint8_t* dst,
-                                                       int32_t dstStep, PrimSize size, PrimSize mask,
-                                                       PrimPoint anchor) {
+                                                      int32_t dstStep, PrimSize size, PrimSize mask, PrimPoint anchor) {
     PrimStatus status = CheckRegion(src, srcStep, dst, dstStep, size);
     if (status != PrimOk) return status;
     if (mask.width <= 0 || mask.height <= 0 || (mask.width & 1) == 0 || (mask.height & 1) == 0) {
@@ -27,6 +26,6 @@ extern "C" PrimStatus PRIM(primiFilterMedian_8u_AC4R)(const uint8_t* src, int32_
     // A single pixel is its own median: the colours are copied, the
     // destination keeps its fourth bytes.
     if (is(1, 1)) return PRIM(primiCopy_8u_AC4R)(centre, srcStep, dst, dstStep, size);
-    return ownprimiFilterMedianCom_8u(PixelAt(centre, srcStep, -halfHeight, -halfWidth), srcStep, dst, dstStep,
-                                      size, mask);
+    return ownprimiFilterMedianCom_8u(PixelAt(centre, srcStep, -halfHeight, -halfWidth), srcStep, dst, dstStep, size,
+                                      mask);
 }

@@ -54,8 +54,7 @@ void SlideHistogramAlongRow(const uint8_t* window, int32_t srcStep, uint8_t* to,
 // src is the top-left pixel of the first window of the region. The three
 // colour channels of a row are ranked one after another; the window is
 // counted afresh at the start of each row.
-void SlideHistograms(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size,
-                     PrimSize mask) {
+void SlideHistograms(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size, PrimSize mask) {
     const int32_t threshold =
         static_cast<int32_t>((static_cast<uint32_t>(mask.width) * static_cast<uint32_t>(mask.height)) >> 1) + 1;
     uint32_t count[256] = {};
@@ -83,7 +82,7 @@ inline void BubbleLargestUp(__m128i* column, int32_t limit) {
 // first window. Passes with limits height - 1 down to height / 2 put the
 // upper half of the column in order, the median first.
 PrimStatus PartialSortColumns(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size,
-                       int32_t height) {
+                              int32_t height) {
     // One vector of four pixels per element of the column.
     if (height > INT32_MAX / 4) return PrimMemAllocErr;
     __m128i* column = reinterpret_cast<__m128i*>(primsMalloc_32s(4 * height));
@@ -104,8 +103,8 @@ PrimStatus PartialSortColumns(const uint8_t* src, int32_t srcStep, uint8_t* dst,
 
 }  // namespace
 
-PrimStatus ownprimiFilterMedianCom_8u(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep,
-                                      PrimSize size, PrimSize mask) {
+PrimStatus ownprimiFilterMedianCom_8u(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size,
+                                      PrimSize mask) {
     if (mask.width == 1) return PartialSortColumns(src, srcStep, dst, dstStep, size, mask.height);
     SlideHistograms(src, srcStep, dst, dstStep, size, mask);
     return PrimOk;

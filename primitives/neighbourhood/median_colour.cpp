@@ -51,18 +51,13 @@ public:
         // Lanes past a chunk's end read whatever the lines hold; clearing
         // them once keeps that defined.
         memset(pixels_, 0, sizeof pixels_);
-        for (int32_t y = 0; y < size.height; ++y) {
-            uint8_t* to = PixelAt(dst, dstStep, y, 0);
-            for (int32_t x0 = 0; x0 < size.width; x0 += kChunk) {
-                const int32_t n = size.width - x0 < kChunk ? size.width - x0 : kChunk;
-                LoadBand(PixelAt(src, srcStep, y, x0), srcStep, n);
-                const int32_t outputGroups = (n + kLanes - 1) / kLanes * kLanes;
-                for (int32_t i = 0; i < outputGroups + N - 1; i += kLanes) MeasureColumns(i);
-                for (int32_t j = 0; j < n; j += kLanes) {
-                    StoreWinners(to + 4 * (x0 + j), j, n - j < kLanes ? n - j : kLanes);
-                }
-            }
-        }
+        ForEachChunk(size, kChunk, [&](int32_t y, int32_t x0, int32_t n) {
+            LoadBand(PixelAt(src, srcStep, y, x0), srcStep, n);
+            const int32_t outputGroups = (n + kLanes - 1) / kLanes * kLanes;
+            for (int32_t i = 0; i < outputGroups + N - 1; i += kLanes) MeasureColumns(i);
+            uint8_t* to = PixelAt(dst, dstStep, y, x0);
+            for (int32_t j = 0; j < n; j += kLanes) StoreWinners(to + 4 * j, j, n - j < kLanes ? n - j : kLanes);
+        });
     }
 
 private:
@@ -157,7 +152,7 @@ private:
 using namespace PRIM_BUILD;
 
 extern "C" PrimStatus PRIM(primiFilterMedianColor_8u_AC4R)(const uint8_t* src, int32_t srcStep, uint8_t* dst,
-                                                            int32_t dstStep, PrimSize size, int32_t mask) {
+                                                           int32_t dstStep, PrimSize size, int32_t mask) {
     PrimStatus status = CheckRegion(src, srcStep, dst, dstStep, size);
     if (status != PrimOk) return status;
     if (mask == MaskSize3x3) {

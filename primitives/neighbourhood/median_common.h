@@ -20,8 +20,7 @@
 namespace PRIM_BUILD {
 
 // Pointers, then size, then steps (any step of at least 1 will do).
-inline PrimStatus CheckRegion(const uint8_t* src, int32_t srcStep, const uint8_t* dst, int32_t dstStep,
-                              PrimSize size) {
+inline PrimStatus CheckRegion(const uint8_t* src, int32_t srcStep, const uint8_t* dst, int32_t dstStep, PrimSize size) {
     if (src == nullptr || dst == nullptr) return PrimNullPtrErr;
     if (size.width < 1 || size.height < 1) return PrimSizeErr;
     if (srcStep < 1 || dstStep < 1) return PrimStepErr;
@@ -74,17 +73,24 @@ inline __attribute__((always_inline)) void ForEachGroup(int32_t count, Visit vis
     for (; i < count; ++i) visit(i, OnePixel());
 }
 
+// Calls visit(y, x0, n) for each run of n <= chunk pixels from x0 on, row by
+// row, for the filters that keep a chunk of a row in lines on the stack.
+template <class Visit>
+inline void ForEachChunk(PrimSize size, int32_t chunk, Visit visit) {
+    for (int32_t y = 0; y < size.height; ++y)
+        for (int32_t x0 = 0; x0 < size.width; x0 += chunk)
+            visit(y, x0, size.width - x0 < chunk ? size.width - x0 : chunk);
+}
+
 // Each destination pixel of the region from window(at, step, io): the median
 // of the window around the source pixel(s) at `at`, loaded through io.
 template <class Window>
-void FilterEachPixel(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size,
-                     Window window) {
+void FilterEachPixel(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size, Window window) {
     for (int32_t y = 0; y < size.height; ++y) {
         const uint8_t* from = PixelAt(src, srcStep, y, 0);
         uint8_t* to = PixelAt(dst, dstStep, y, 0);
-        ForEachGroup(size.width, [&](int32_t x, auto io) {
-            io.StoreColour(to + 4 * x, window(from + 4 * x, srcStep, io));
-        });
+        ForEachGroup(size.width,
+                     [&](int32_t x, auto io) { io.StoreColour(to + 4 * x, window(from + 4 * x, srcStep, io)); });
     }
 }
 
@@ -140,8 +146,8 @@ PrimStatus ownprimiFilterMedianSqr_8u_AC4R(const uint8_t* src, int32_t srcStep, 
 // pixel wide are ranked by partial sorting in an allocated buffer, which can
 // fail with PrimMemAllocErr before anything is written; the others slide a
 // histogram along each row.
-PrimStatus ownprimiFilterMedianCom_8u(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep,
-                                      PrimSize size, PrimSize mask);
+PrimStatus ownprimiFilterMedianCom_8u(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size,
+                                      PrimSize mask);
 
 }  // namespace PRIM_BUILD
 

@@ -90,16 +90,16 @@ PrimStatus FilterFixedShape(const uint8_t* src, int32_t srcStep, uint8_t* dst, i
 using namespace PRIM_BUILD;
 
 extern "C" PrimStatus PRIM(primiFilterMedianHoriz_8u_AC4R)(const uint8_t* src, int32_t srcStep, uint8_t* dst,
-                                                            int32_t dstStep, PrimSize size, int32_t mask) {
+                                                           int32_t dstStep, PrimSize size, int32_t mask) {
     return FilterFixedShape<Row3, Row5>(src, srcStep, dst, dstStep, size, mask, MaskSize3x1, MaskSize5x1);
 }
 
 extern "C" PrimStatus PRIM(primiFilterMedianVert_8u_AC4R)(const uint8_t* src, int32_t srcStep, uint8_t* dst,
-                                                           int32_t dstStep, PrimSize size, int32_t mask) {
+                                                          int32_t dstStep, PrimSize size, int32_t mask) {
     return FilterFixedShape<Column3, Column5>(src, srcStep, dst, dstStep, size, mask, MaskSize1x3, MaskSize1x5);
 }
 
 extern "C" PrimStatus PRIM(primiFilterMedianCross_8u_AC4R)(const uint8_t* src, int32_t srcStep, uint8_t* dst,
-                                                            int32_t dstStep, PrimSize size, int32_t mask) {
+                                                           int32_t dstStep, PrimSize size, int32_t mask) {
     return FilterFixedShape<Cross5, Cross9>(src, srcStep, dst, dstStep, size, mask, MaskSize3x3, MaskSize5x5);
 }

@@ -22,7 +22,6 @@ namespace {
 // Output pixels a chunk of a row covers; the lines hold a few more columns.
 constexpr int32_t kChunk = 128;
 
-constexpr ComparatorNetwork kSortColumn = SortNetwork(5);
 constexpr ComparatorNetwork kMergeColumns = MergeNetwork(5, 5);
 constexpr ComparatorNetwork kMergePairAndColumn = MergeNetwork(10, 5);
 
@@ -41,82 +40,74 @@ struct RankLines {
     }
 };
 
+// Sorts count image columns of kEdge pixels, from top (the first column's
+// top pixel) on, into the lines of ranks.
+template <int kEdge, int kColumns>
+void SortColumns(const uint8_t* top, int32_t srcStep, int32_t count, RankLines<kEdge, kColumns>& columns) {
+    static constexpr ComparatorNetwork kSort = SortNetwork(kEdge);
+    ForEachGroup(count, [&](int32_t i, auto io) {
+        __m128i v[kEdge];
+#pragma GCC unroll 5
+        for (int r = 0; r < kEdge; ++r) v[r] = io.Load(PixelAt(top, srcStep, r, i));
+        ApplyNetwork(kSort, v);
+#pragma GCC unroll 5
+        for (int k = 0; k < kEdge; ++k) columns.Store(k, i, v[kSort.rank.slot[k]], io);
+    });
+}
+
 void ownprimiFilterMedian_8u_C4R_3x3(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep,
                                      PrimSize size) {
     RankLines<3, kChunk + 2> columns;
-    for (int32_t y = 0; y < size.height; ++y) {
-        uint8_t* to = PixelAt(dst, dstStep, y, 0);
-        for (int32_t x0 = 0; x0 < size.width; x0 += kChunk) {
-            const int32_t n = size.width - x0 < kChunk ? size.width - x0 : kChunk;
-            // Line column i is image column x0 - 1 + i.
-            const uint8_t* above = PixelAt(src, srcStep, y - 1, x0 - 1);
-            ForEachGroup(n + 2, [&](int32_t i, auto io) {
-                __m128i a = io.Load(above + 4 * i);
-                __m128i b = io.Load(PixelAt(above, srcStep, 1, i));
-                __m128i c = io.Load(PixelAt(above, srcStep, 2, i));
-                Sort3(a, b, c);
-                columns.Store(0, i, a, io);
-                columns.Store(1, i, b, io);
-                columns.Store(2, i, c, io);
-            });
-            ForEachGroup(n, [&](int32_t j, auto io) {
-                __m128i median = Median9OfSortedTriples(
-                    columns.Load(0, j, io), columns.Load(1, j, io), columns.Load(2, j, io),
-                    columns.Load(0, j + 1, io), columns.Load(1, j + 1, io), columns.Load(2, j + 1, io),
-                    columns.Load(0, j + 2, io), columns.Load(1, j + 2, io), columns.Load(2, j + 2, io));
-                io.StoreColour(to + 4 * (x0 + j), median);
-            });
-        }
-    }
+    ForEachChunk(size, kChunk, [&](int32_t y, int32_t x0, int32_t n) {
+        // Line column i is image column x0 - 1 + i.
+        SortColumns(PixelAt(src, srcStep, y - 1, x0 - 1), srcStep, n + 2, columns);
+        uint8_t* to = PixelAt(dst, dstStep, y, x0);
+        ForEachGroup(n, [&](int32_t j, auto io) {
+            __m128i median = Median9OfSortedTriples(
+                columns.Load(0, j, io), columns.Load(1, j, io), columns.Load(2, j, io), columns.Load(0, j + 1, io),
+                columns.Load(1, j + 1, io), columns.Load(2, j + 1, io), columns.Load(0, j + 2, io),
+                columns.Load(1, j + 2, io), columns.Load(2, j + 2, io));
+            io.StoreColour(to + 4 * j, median);
+        });
+    });
 }
 
 void ownprimiFilterMedian_8u_C4R_5x5(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep,
                                      PrimSize size) {
     RankLines<5, kChunk + 4> columns;
     RankLines<10, kChunk + 2> pairs;
-    for (int32_t y = 0; y < size.height; ++y) {
-        uint8_t* to = PixelAt(dst, dstStep, y, 0);
-        for (int32_t x0 = 0; x0 < size.width; x0 += kChunk) {
-            const int32_t n = size.width - x0 < kChunk ? size.width - x0 : kChunk;
-            // Line column i is image column x0 - 2 + i.
-            const uint8_t* top = PixelAt(src, srcStep, y - 2, x0 - 2);
-            ForEachGroup(n + 4, [&](int32_t i, auto io) {
-                __m128i v[5];
+    ForEachChunk(size, kChunk, [&](int32_t y, int32_t x0, int32_t n) {
+        // Line column i is image column x0 - 2 + i.
+        SortColumns(PixelAt(src, srcStep, y - 2, x0 - 2), srcStep, n + 4, columns);
+        ForEachGroup(n + 2, [&](int32_t i, auto io) {
+            __m128i v[10];
 #pragma GCC unroll 5
-                for (int r = 0; r < 5; ++r) v[r] = io.Load(PixelAt(top, srcStep, r, i));
-                ApplyNetwork(kSortColumn, v);
-#pragma GCC unroll 5
-                for (int k = 0; k < 5; ++k) columns.Store(k, i, v[kSortColumn.rank.slot[k]], io);
-            });
-            ForEachGroup(n + 2, [&](int32_t i, auto io) {
-                __m128i v[10];
-#pragma GCC unroll 5
-                for (int k = 0; k < 5; ++k) {
-                    v[k] = columns.Load(k, i, io);
-                    v[5 + k] = columns.Load(k, i + 1, io);
-                }
-                ApplyNetwork(kMergeColumns, v);
+            for (int k = 0; k < 5; ++k) {
+                v[k] = columns.Load(k, i, io);
+                v[5 + k] = columns.Load(k, i + 1, io);
+            }
+            ApplyNetwork(kMergeColumns, v);
 #pragma GCC unroll 10
-                for (int k = 0; k < 10; ++k) pairs.Store(k, i, v[kMergeColumns.rank.slot[k]], io);
-            });
-            ForEachGroup(n, [&](int32_t j, auto io) {
-                __m128i run[15];
+            for (int k = 0; k < 10; ++k) pairs.Store(k, i, v[kMergeColumns.rank.slot[k]], io);
+        });
+        uint8_t* to = PixelAt(dst, dstStep, y, x0);
+        ForEachGroup(n, [&](int32_t j, auto io) {
+            __m128i run[15];
 #pragma GCC unroll 10
-                for (int k = 0; k < 10; ++k) run[k] = pairs.Load(k, j + 2, io);
+            for (int k = 0; k < 10; ++k) run[k] = pairs.Load(k, j + 2, io);
 #pragma GCC unroll 5
-                for (int k = 0; k < 5; ++k) run[10 + k] = columns.Load(k, j + 4, io);
-                ApplyNetwork(kMergePairAndColumn, run);
-                const auto& rank = kMergePairAndColumn.rank.slot;
-                // Split 13 = 13 + 0, then 12 + 1 down to 3 + 10 (0-based ranks below).
-                __m128i median = run[rank[12]];
+            for (int k = 0; k < 5; ++k) run[10 + k] = columns.Load(k, j + 4, io);
+            ApplyNetwork(kMergePairAndColumn, run);
+            const auto& rank = kMergePairAndColumn.rank.slot;
+            // Split 13 = 13 + 0, then 12 + 1 down to 3 + 10 (0-based ranks below).
+            __m128i median = run[rank[12]];
 #pragma GCC unroll 10
-                for (int p = 1; p <= 10; ++p) {
-                    median = _mm_min_epu8(median, _mm_max_epu8(run[rank[12 - p]], pairs.Load(p - 1, j, io)));
-                }
-                io.StoreColour(to + 4 * (x0 + j), median);
-            });
-        }
-    }
+            for (int p = 1; p <= 10; ++p) {
+                median = _mm_min_epu8(median, _mm_max_epu8(run[rank[12 - p]], pairs.Load(p - 1, j, io)));
+            }
+            io.StoreColour(to + 4 * j, median);
+        });
+    });
 }
 
 }  // namespace

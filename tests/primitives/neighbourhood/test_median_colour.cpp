@@ -3,6 +3,7 @@
 // among equals.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <random>
 #include <vector>
@@ -28,7 +29,8 @@ std::vector<uint8_t> Expected(Images& images, int32_t edge) {
             window.clear();
             for (int32_t r = 0; r < edge; ++r)
                 for (int32_t c = 0; c < edge; ++c)
-                    window.push_back(&images.src.at(images.reach.left + x + c - half, images.reach.up + y + r - half, 0));
+                    window.push_back(
+                        &images.src.at(images.reach.left + x + c - half, images.reach.up + y + r - half, 0));
             size_t best = 0;
             int32_t bestScore = INT32_MAX;
             for (size_t k = 0; k < window.size(); ++k) {
@@ -69,30 +71,23 @@ TEST_P(ColourMedian, TakesThePixelOfLeastSummedDistanceFirstAmongEquals) {
                                                          images.dst.step, images.dst.size, MaskCode(edge)),
                           PrimOk);
                 ASSERT_EQ(images.dst.bytes, expected)
-                    << edge << "x" << edge << " image " << shape.width << "x" << shape.height << " colours "
-                    << colours;
+                    << edge << "x" << edge << " image " << shape.width << "x" << shape.height << " colours " << colours;
             }
 }
 
-// Colours X and Y score alike here (four of each, and Z as far from both);
-// the earlier in row-major order wins, even against the centre.
+// Colours a and b score alike here (four of each, and z as far from both):
+// the one met first in row-major order wins, even against the centre.
 TEST_P(ColourMedian, AnEarlierPixelBeatsTheCentreOnEqualScores) {
     const uint8_t x[3] = {0, 0, 0}, y[3] = {60, 0, 0}, z[3] = {30, 100, 0};
-    for (bool xFirst : {true, false}) {
-        const uint8_t* a = xFirst ? x : y;
-        const uint8_t* b = xFirst ? y : x;
+    for (const uint8_t* a : {x, y}) {
+        const uint8_t* b = a == x ? y : x;
         const uint8_t* layout[9] = {a, b, a, b, b, a, z, b, a};
         ImageUnderTest src(3, 3, 0, 0, 1), dst(1, 1, 0, 0, 2);
-        for (int k = 0; k < 9; ++k)
-            for (int c = 0; c < 3; ++c) src.at(k % 3, k / 3, c) = layout[k][c];
+        for (int k = 0; k < 9; ++k) std::copy(layout[k], layout[k] + 3, &src.at(k % 3, k / 3, 0));
         const uint8_t alpha = dst.at(0, 0, 3);
-        ASSERT_EQ(primiFilterMedianColor_8u_AC4R(&src.at(1, 1, 0), src.step, dst.data(), dst.step, {1, 1},
-                                                 MaskSize3x3),
+        ASSERT_EQ(primiFilterMedianColor_8u_AC4R(&src.at(1, 1, 0), src.step, dst.data(), dst.step, {1, 1}, MaskSize3x3),
                   PrimOk);
-        EXPECT_EQ(dst.at(0, 0, 0), a[0]);
-        EXPECT_EQ(dst.at(0, 0, 1), a[1]);
-        EXPECT_EQ(dst.at(0, 0, 2), a[2]);
-        EXPECT_EQ(dst.at(0, 0, 3), alpha);
+        EXPECT_EQ(std::vector<uint8_t>(dst.data(), dst.data() + 4), (std::vector<uint8_t>{a[0], a[1], a[2], alpha}));
     }
 }
 
