@@ -16,6 +16,7 @@
 #include "effects/FilmMono.h"
 #include "effects/Gamma.h"
 #include "effects/Gray.h"
+#include "effects/Median.h"
 #include "effects/OldFilm.h"
 #include "effects/Rand.h"
 #include "effects/Saturation.h"
@@ -92,7 +93,7 @@ const EffectListEntry EffectList[] = {
     {"Shear", 1054, 6, nullptr, &Shear_default},
     {"Rand", 1055, 6, CRand::CreateInstance, &Rand_default},
     {"Max Filter", 1056, 6, nullptr, &MaxFilter_default},
-    {"Median", 1057, 6, nullptr, &Median_default},
+    {"Median", 1057, 6, CMedian::CreateInstance, &Median_default},
     {"Wiener", 1058, 6, nullptr, &Wiener_default},
     {"Film Color", 1059, 6, CFilmColor::CreateInstance, nullptr},
     {"Red", 1060, 6, CColorMask::CreateInstance, &ColorMask_R_default},

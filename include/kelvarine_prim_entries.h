@@ -53,3 +53,16 @@ PRIM_ENTRY(PrimStatus, primiCannyGetSize, (PrimSize roiSize, int32_t* bufferSize
 PRIM_ENTRY(PrimStatus, primiCanny_16s8u_C1R,
            (const int16_t* srcDx, int32_t srcDxStep, const int16_t* srcDy, int32_t srcDyStep, uint8_t* dst,
             int32_t dstStep, PrimSize roiSize, float lowThresh, float highThresh, uint8_t* buffer))
+
+/* Median filters */
+PRIM_ENTRY(PrimStatus, primiFilterMedian_8u_AC4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size, PrimSize mask,
+            PrimPoint anchor))
+PRIM_ENTRY(PrimStatus, primiFilterMedianHoriz_8u_AC4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size, int32_t mask))
+PRIM_ENTRY(PrimStatus, primiFilterMedianVert_8u_AC4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size, int32_t mask))
+PRIM_ENTRY(PrimStatus, primiFilterMedianCross_8u_AC4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size, int32_t mask))
+PRIM_ENTRY(PrimStatus, primiFilterMedianColor_8u_AC4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size, int32_t mask))
