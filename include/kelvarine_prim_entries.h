@@ -37,3 +37,10 @@ PRIM_ENTRY(PrimStatus, primiCopyReplicateBorder_8u_AC4R,
            (const uint8_t* src, int32_t srcStep, PrimSize srcSize, uint8_t* dst, int32_t dstStep,
             PrimSize dstSize, int32_t top, int32_t left))
 PRIM_ENTRY(PrimStatus, primiMirror_8u_AC4IR, (uint8_t* image, int32_t step, PrimSize size, int32_t axis))
+
+/* Wiener filter */
+PRIM_ENTRY(PrimStatus, primiFilterWienerGetBufferSize,
+           (PrimSize roiSize, PrimSize maskSize, int32_t channels, int32_t* bufferSize))
+PRIM_ENTRY(PrimStatus, primiFilterWiener_8u_AC4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize roiSize, PrimSize maskSize,
+            PrimPoint anchor, float* noise, uint8_t* buffer))

@@ -47,3 +47,9 @@ PRIM_INTERNAL(PrimStatus, primsMinEvery_8u_I, (const uint8_t* src, uint8_t* srcD
 PRIM_INTERNAL(PrimStatus, primiSub_8u_AC4RSfs,
               (const uint8_t* src1, int32_t src1Step, const uint8_t* src2, int32_t src2Step, uint8_t* dst,
                int32_t dstStep, PrimSize size, int32_t scaleFactor))
+
+/* Wiener filter: channel sums and means of a float image */
+PRIM_INTERNAL(PrimStatus, primiSum_32f_AC4R,
+              (const float* image, int32_t step, PrimSize size, double sum[3], int32_t hint))
+PRIM_INTERNAL(PrimStatus, primiMean_32f_AC4R,
+              (const float* image, int32_t step, PrimSize size, double mean[3], int32_t hint))
