@@ -69,8 +69,8 @@ void CWiener::Wiener_Proc(unsigned char* frame, int32_t width, int32_t height) {
 
         Border = half;
         const uint32_t even = static_cast<uint32_t>(size & ~1);
-        buffer = static_cast<unsigned char*>(primMalloc(static_cast<int32_t>(
-            (even + static_cast<uint32_t>(width)) * (even + static_cast<uint32_t>(height)) * 4u)));
+        buffer = static_cast<unsigned char*>(primMalloc(
+            static_cast<int32_t>((even + static_cast<uint32_t>(width)) * (even + static_cast<uint32_t>(height)) * 4u)));
         dstStep = Step1 = static_cast<int32_t>((static_cast<uint32_t>(width) + 2u * Border) * 4u);
         dstRoiSize = {width + 2 * Border, height + 2 * Border};
         primiCopyReplicateBorder_8u_AC4R(frame, Step, roiSize, buffer, dstStep, dstRoiSize, Border, Border);
@@ -81,6 +81,7 @@ void CWiener::Wiener_Proc(unsigned char* frame, int32_t width, int32_t height) {
     // Without a buffer (a size the allocator refused) the filter is handed
     // null and refuses in turn.
     const unsigned char* inner =
-        buffer == nullptr ? nullptr : buffer + static_cast<ptrdiff_t>(Border) * Step1 + 4 * static_cast<ptrdiff_t>(Border);
+        buffer == nullptr ? nullptr
+                          : buffer + static_cast<ptrdiff_t>(Border) * Step1 + 4 * static_cast<ptrdiff_t>(Border);
     primiFilterWiener_8u_AC4R(inner, Step1, frame, Step, roiSize, maskSize, anchor, noise, work);
 }

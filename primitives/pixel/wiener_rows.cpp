@@ -7,12 +7,13 @@
 // columns is kept up by adding the column that enters and taking off the one
 // that leaves. Sums stay in int32 (wrapping, for masks too large for the
 // squares) until the finished row turns into floats.
+#include "primitives/pixel/wiener_rows.h"
+
 #include <emmintrin.h>
 
 #include <cstring>
 
 #include "primitives/pixel/memory_loops.h"
-#include "primitives/pixel/wiener_rows.h"
 
 namespace PRIM_BUILD {
 namespace {
@@ -202,8 +203,8 @@ void owniWiener_8u32f_AC4R_M7(const uint8_t* src, const float* meanRow, const fl
         const __m128i pixel = Low16(_mm_cvtsi32_si128(static_cast<int32_t>(LoadWord(src + 4 * x))));
         __m128i p = PulledLanes(LaneFloats(pixel), meanRow, varRow, x, lanes);
         p = _mm_packus_epi16(_mm_packs_epi32(p, p), p);
-        const uint32_t word = (static_cast<uint32_t>(_mm_cvtsi128_si32(p)) & kColourMask) |
-                              (LoadWord(dst + 4 * x) & ~kColourMask);
+        const uint32_t word =
+            (static_cast<uint32_t>(_mm_cvtsi128_si32(p)) & kColourMask) | (LoadWord(dst + 4 * x) & ~kColourMask);
         memcpy(dst + 4 * x, &word, 4);
     }
 }
