@@ -20,6 +20,7 @@
 #include "effects/OldFilm.h"
 #include "effects/Rand.h"
 #include "effects/Saturation.h"
+#include "effects/Wiener.h"
 
 namespace {
 
@@ -94,7 +95,7 @@ const EffectListEntry EffectList[] = {
     {"Rand", 1055, 6, CRand::CreateInstance, &Rand_default},
     {"Max Filter", 1056, 6, nullptr, &MaxFilter_default},
     {"Median", 1057, 6, CMedian::CreateInstance, &Median_default},
-    {"Wiener", 1058, 6, nullptr, &Wiener_default},
+    {"Wiener", 1058, 6, CWiener::CreateInstance, &Wiener_default},
     {"Film Color", 1059, 6, CFilmColor::CreateInstance, nullptr},
     {"Red", 1060, 6, CColorMask::CreateInstance, &ColorMask_R_default},
     {"Green", 1061, 6, CColorMask::CreateInstance, &ColorMask_G_default},

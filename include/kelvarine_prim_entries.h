@@ -66,3 +66,10 @@ PRIM_ENTRY(PrimStatus, primiFilterMedianCross_8u_AC4R,
            (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size, int32_t mask))
 PRIM_ENTRY(PrimStatus, primiFilterMedianColor_8u_AC4R,
            (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize size, int32_t mask))
+
+/* Wiener filter */
+PRIM_ENTRY(PrimStatus, primiFilterWienerGetBufferSize,
+           (PrimSize roiSize, PrimSize maskSize, int32_t channels, int32_t* bufferSize))
+PRIM_ENTRY(PrimStatus, primiFilterWiener_8u_AC4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize roiSize, PrimSize maskSize,
+            PrimPoint anchor, float* noise, uint8_t* buffer))

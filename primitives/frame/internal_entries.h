@@ -53,3 +53,9 @@ PRIM_INTERNAL(PrimStatus, primiFilterRowBorderPipelineGetBufferSize_8u16s_C1R,
               (PrimSize roiSize, int32_t kernelSize, int32_t* bufferSize))
 PRIM_INTERNAL(PrimStatus, primiFilterColumnPipelineGetBufferSize_16s_C1R,
               (PrimSize roiSize, int32_t kernelSize, int32_t* bufferSize))
+
+/* Wiener filter: channel sums and means of a float image */
+PRIM_INTERNAL(PrimStatus, primiSum_32f_AC4R,
+              (const float* image, int32_t step, PrimSize size, double sum[3], int32_t hint))
+PRIM_INTERNAL(PrimStatus, primiMean_32f_AC4R,
+              (const float* image, int32_t step, PrimSize size, double mean[3], int32_t hint))
