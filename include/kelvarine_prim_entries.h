@@ -37,3 +37,9 @@ PRIM_ENTRY(PrimStatus, primiCopyReplicateBorder_8u_AC4R,
            (const uint8_t* src, int32_t srcStep, PrimSize srcSize, uint8_t* dst, int32_t dstStep,
             PrimSize dstSize, int32_t top, int32_t left))
 PRIM_ENTRY(PrimStatus, primiMirror_8u_AC4IR, (uint8_t* image, int32_t step, PrimSize size, int32_t axis))
+
+/* Geometry: remap */
+PRIM_ENTRY(PrimStatus, primiRemap_8u_AC4R,
+           (const uint8_t* src, PrimSize srcSize, int32_t srcStep, PrimRect srcRoi, const float* xMap,
+            int32_t xMapStep, const float* yMap, int32_t yMapStep, uint8_t* dst, int32_t dstStep,
+            PrimSize dstRoiSize, int32_t interpolation))

@@ -101,21 +101,27 @@ inline void CubicWeightPairs(int32_t f, __m128i* w01, __m128i* w23) {
     *w23 = _mm_set1_epi32(static_cast<int32_t>((mirrored >> 16) | (mirrored << 16)));
 }
 
+// Sixteen bytes holding pixels A, B, C, D as int16 pairs channel by channel:
+// (A, B) into ab, as Ab Bb Ag Bg Ar Br Aa Ba, and (C, D) into cd, ready to
+// be weighted pairwise by _mm_madd_epi16.
+inline void PairPixels(__m128i v, __m128i* ab, __m128i* cd) {
+    const __m128i zero = _mm_setzero_si128();
+#ifdef __SSSE3__
+    v = _mm_shuffle_epi8(v, _mm_setr_epi8(0, 4, 1, 5, 2, 6, 3, 7, 8, 12, 9, 13, 10, 14, 11, 15));
+    *ab = _mm_unpacklo_epi8(v, zero);
+    *cd = _mm_unpackhi_epi8(v, zero);
+#else
+    __m128i low = _mm_unpacklo_epi8(v, zero), high = _mm_unpackhi_epi8(v, zero);
+    *ab = _mm_unpacklo_epi16(low, _mm_srli_si128(low, 8));
+    *cd = _mm_unpacklo_epi16(high, _mm_srli_si128(high, 8));
+#endif
+}
+
 // The four pixels at p, weighted by (w0, w1, w2, w3), summed per channel and
 // shifted right by 8: one row's horizontal pass, four int32 lanes.
 inline __m128i CubicRowSum(const uint8_t* p, __m128i w01, __m128i w23) {
-    const __m128i zero = _mm_setzero_si128();
-    __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-#ifdef __SSSE3__
-    // Channel by channel: taps 0 and 1 side by side, then taps 2 and 3.
-    v = _mm_shuffle_epi8(v, _mm_setr_epi8(0, 4, 1, 5, 2, 6, 3, 7, 8, 12, 9, 13, 10, 14, 11, 15));
-    __m128i taps01 = _mm_unpacklo_epi8(v, zero);
-    __m128i taps23 = _mm_unpackhi_epi8(v, zero);
-#else
-    __m128i low = _mm_unpacklo_epi8(v, zero), high = _mm_unpackhi_epi8(v, zero);
-    __m128i taps01 = _mm_unpacklo_epi16(low, _mm_srli_si128(low, 8));
-    __m128i taps23 = _mm_unpacklo_epi16(high, _mm_srli_si128(high, 8));
-#endif
+    __m128i taps01, taps23;
+    PairPixels(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)), &taps01, &taps23);
     __m128i sum = _mm_add_epi32(_mm_madd_epi16(taps01, w01), _mm_madd_epi16(taps23, w23));
     return _mm_srai_epi32(sum, 8);
 }
@@ -163,7 +169,9 @@ inline void ownpi_dInterVectorClip_C_8u_AC4(const uint8_t* src, int32_t srcStep,
     const float left = static_cast<float>(xMin), top = static_cast<float>(yMin);
     const float right = static_cast<float>(xMax), bottom = static_cast<float>(yMax);
     for (int32_t i = 0; i < count; ++i) {
-        float x = xs[i], y = ys[i];
+        float x, y;  // maps with any byte step may leave the floats unaligned
+        memcpy(&x, xs + i, 4);
+        memcpy(&y, ys + i, 4);
         if (x < left || y < top || x > right || y > bottom) continue;
         ownpi_Cubic_8u_AC4(src, srcStep, x, y, lastCol, lastRow, dst + 4 * static_cast<ptrdiff_t>(i));
     }
