@@ -177,33 +177,34 @@ void CRemap::GetExplodeMap(int32_t x, int32_t y, float* sourceX, float* sourceY)
 // 1 and 3 opposite senses, anything else as 3). The strips right of and
 // below the whole tiles stay where they are.
 void CRemap::SetFacetedData(float* map, bool wantY) {
-    const int32_t side = param2;
+    const int32_t side = param2, far = side - 1;
     const int32_t fullWidth = width - width % side, fullHeight = height - height % side;
     for (int32_t y = 0; y < height; ++y) {
         float* row = map + static_cast<size_t>(y) * static_cast<size_t>(width);
-        for (int32_t x = 0; x < width; ++x) {
-            if (x >= fullWidth || y >= fullHeight) {
-                row[x] = static_cast<float>(wantY ? y : x);
-                continue;
-            }
-            int32_t i = x % side, j = y % side, bx = x - i, by = y - j, far = side - 1;
-            int32_t sx, sy;
-            switch (param1) {
-                case 0:
-                    sx = bx + i, sy = by + j;
-                    break;
-                case 1:
-                    sx = bx + far - j, sy = by + i;
-                    break;
-                case 2:
-                    sx = bx + far - i, sy = by + far - j;
-                    break;
-                default:
-                    sx = bx + j, sy = by + far - i;
-                    break;
-            }
-            row[x] = static_cast<float>(wantY ? sy : sx);
+        int32_t x = 0;
+        if (y < fullHeight) {
+            const int32_t j = y % side, by = y - j;
+            for (int32_t bx = 0; bx < fullWidth; bx += side)
+                for (int32_t i = 0; i < side; ++i, ++x) {
+                    int32_t sx, sy;  // the source inside the tile
+                    switch (param1) {
+                        case 0:
+                            sx = i, sy = j;
+                            break;
+                        case 1:
+                            sx = far - j, sy = i;
+                            break;
+                        case 2:
+                            sx = far - i, sy = far - j;
+                            break;
+                        default:
+                            sx = j, sy = far - i;
+                            break;
+                    }
+                    row[x] = static_cast<float>(wantY ? by + sy : bx + sx);
+                }
         }
+        for (; x < width; ++x) row[x] = static_cast<float>(wantY ? y : x);
     }
 }
 

@@ -39,16 +39,6 @@ inline int32_t RoundNonNegative(float v) {
     return r;
 }
 
-// The same on four lanes.
-inline __m128i RoundNonNegative(__m128 v) {
-    __m128i r = _mm_cvttps_epi32(v);
-    __m128 rest = _mm_sub_ps(v, _mm_cvtepi32_ps(r));
-    __m128i odd = _mm_cmpeq_epi32(_mm_and_si128(r, _mm_set1_epi32(1)), _mm_set1_epi32(1));
-    __m128i up = _mm_or_si128(_mm_castps_si128(_mm_cmpgt_ps(rest, _mm_set1_ps(0.5f))),
-                              _mm_and_si128(_mm_castps_si128(_mm_cmpeq_ps(rest, _mm_set1_ps(0.5f))), odd));
-    return _mm_sub_epi32(r, up);  // up is -1 where the value goes up
-}
-
 // ---- The fixed-point cubic table ----
 
 // Pair i holds round(16384 L0(i / 512)) and round(16384 L1(i / 512)), the

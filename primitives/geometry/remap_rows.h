@@ -16,6 +16,7 @@
 
 #include "primitives/frame/build.h"
 #include "primitives/geometry/interpolation.h"
+#include "primitives/pixel/memory_loops.h"
 
 namespace PRIM_BUILD {
 
@@ -86,6 +87,52 @@ inline void ForEachMapPosition(const RemapJob& job, Visit visit) {
         const float* ys = RowOf(job.yMap, job.yMapStep, y);
         uint8_t* dst = RowOf(job.dst, job.dstStep, y);
         for (int32_t i = 0; i < job.width; ++i) visit(MapValue(xs, i), MapValue(ys, i), dst + 4 * static_cast<ptrdiff_t>(i));
+    }
+}
+
+// Four destination pixels at a time from sample(x, y), which gives four
+// pixels for four positions inside the rectangle. Lanes outside it sample the
+// rectangle's corner instead, so that every read stays inside the image, and
+// keep their old destination pixel; the others keep their fourth byte. The
+// last one to three pixels of a row go through the same code from copies,
+// with unused lanes left of every rectangle.
+template <class SampleFour>
+inline void RemapFourAtATime(const RemapJob& job, const SampleFour& sample) {
+    const __m128 left = _mm_set1_ps(static_cast<float>(job.xMin)), top = _mm_set1_ps(static_cast<float>(job.yMin));
+    const __m128 right = _mm_set1_ps(static_cast<float>(job.xMax)), bottom = _mm_set1_ps(static_cast<float>(job.yMax));
+    const __m128i colour = Broadcast(kColourMask);
+    auto four = [&](const uint8_t* xs, const uint8_t* ys, uint8_t* dst) {
+        __m128 x = _mm_loadu_ps(reinterpret_cast<const float*>(xs));
+        __m128 y = _mm_loadu_ps(reinterpret_cast<const float*>(ys));
+        __m128 out = _mm_or_ps(_mm_or_ps(_mm_cmplt_ps(x, left), _mm_cmplt_ps(y, top)),
+                               _mm_or_ps(_mm_cmpgt_ps(x, right), _mm_cmpgt_ps(y, bottom)));
+        __m128i write = colour;
+        if (_mm_movemask_ps(out) != 0) {
+            x = _mm_or_ps(_mm_and_ps(out, left), _mm_andnot_ps(out, x));
+            y = _mm_or_ps(_mm_and_ps(out, top), _mm_andnot_ps(out, y));
+            write = _mm_andnot_si128(_mm_castps_si128(out), colour);
+        }
+        StoreUnaligned(dst, Merge(sample(x, y), LoadUnaligned(dst), write));
+    };
+    for (int32_t y = 0; y < job.height; ++y) {
+        const uint8_t* xs = reinterpret_cast<const uint8_t*>(RowOf(job.xMap, job.xMapStep, y));
+        const uint8_t* ys = reinterpret_cast<const uint8_t*>(RowOf(job.yMap, job.yMapStep, y));
+        uint8_t* dst = RowOf(job.dst, job.dstStep, y);
+        int32_t i = 0;
+        for (; i + 4 <= job.width; i += 4) {
+            ptrdiff_t at = 4 * static_cast<ptrdiff_t>(i);
+            four(xs + at, ys + at, dst + at);
+        }
+        if (i == job.width) continue;
+        size_t rest = static_cast<size_t>(job.width - i);
+        ptrdiff_t at = 4 * static_cast<ptrdiff_t>(i);
+        float xTail[4] = {-1.0f, -1.0f, -1.0f, -1.0f}, yTail[4] = {-1.0f, -1.0f, -1.0f, -1.0f};
+        uint8_t dstTail[16] = {};
+        memcpy(xTail, xs + at, 4 * rest);
+        memcpy(yTail, ys + at, 4 * rest);
+        memcpy(dstTail, dst + at, 4 * rest);
+        four(reinterpret_cast<const uint8_t*>(xTail), reinterpret_cast<const uint8_t*>(yTail), dstTail);
+        memcpy(dst + at, dstTail, 4 * rest);
     }
 }
 

@@ -285,12 +285,12 @@ TEST(RemapEffect, UnbuildableMapsStopTheProcess) {
         std::vector<uint8_t> frame(4 * 4 * 4);
         effect->Proc(frame.data(), 4, 4);
     });
-    EXPECT_EQ(unknownMode.exitCode, -1);
+    EXPECT_NE(unknownMode.exitCode, 0);
     auto narrow = kvtest::RunInChild([] {
         std::vector<uint8_t> frame(1 * 5 * 4);
         Processed(kExplode, nullptr, frame, 1, 5);
     });
-    EXPECT_EQ(narrow.exitCode, -1);
+    EXPECT_NE(narrow.exitCode, 0);
 }
 
 }  // namespace

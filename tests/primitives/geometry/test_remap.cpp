@@ -167,6 +167,23 @@ TEST_P(Remap, WorkedPositions) {
     EXPECT_EQ(dst.at(3, 0, 3), before.at(3, 0, 3));
 }
 
+// The fractions round to nearest, ties to even, whatever rounding mode the
+// caller has set; and the caller's mode is left as it was.
+TEST_P(Remap, TheCallersRoundingModeNeitherMattersNorChanges) {
+    const uint32_t towardZero = 0x6000;
+    for (int32_t kernel : kKernels) {
+        Scene scene({17, 11}, {0, 0, 17, 11}, {61, 17}, 77);
+        auto expected = scene.Expected(kernel);
+        uint32_t callerWord = prim_set_rc_ssx(towardZero);
+        PrimStatus status = scene.Run(kernel);
+        uint32_t wordAfter = ps_get_ssx();
+        prim_set_cw_ssx(callerWord);
+        EXPECT_EQ(status, PrimOk);
+        EXPECT_EQ(wordAfter & 0x6000, towardZero);
+        EXPECT_EQ(scene.dst.bytes, expected) << "kernel " << kernel;
+    }
+}
+
 // The kernel narrows for small sources, by the whole source's size.
 TEST_P(Remap, SmallSourcesStepTheKernelDown) {
     auto same = [](PrimSize source, PrimRect roi, int32_t asked, int32_t used) {
