@@ -35,8 +35,8 @@ namespace PRIM_BUILD {
 inline int32_t RoundNonNegative(float v) {
     int32_t r = static_cast<int32_t>(v);
     float rest = v - static_cast<float>(r);
-    if (rest > 0.5f || (rest == 0.5f && (r & 1) != 0)) ++r;
-    return r;
+    // Without branches: the fractions are as random as the positions.
+    return r + static_cast<int32_t>((rest > 0.5f) | ((rest == 0.5f) & ((r & 1) != 0)));
 }
 
 // ---- The fixed-point cubic table ----
@@ -231,12 +231,16 @@ inline void SetClampedIndices(int32_t n, int32_t* index, int32_t taps, double v)
 inline void setIndexCR(int32_t n, int32_t index[4], double v) { SetClampedIndices(n, index, 4, v); }
 inline void setIndexL3(int32_t n, int32_t index[6], double v) { SetClampedIndices(n, index, 6, v); }
 
-// The separable sum at one pixel: for each channel, the rows' horizontal sums
-// weighted by the rows' weights, in double. Sample (k, r) is
+// The separable sum at one pixel, with the weights that Weights gives for the
+// two axes' arguments: for each channel, the rows' horizontal sums weighted
+// by the rows' weights, in double. Sample (k, r) is
 // origin[rowOffset[r] + tapOffset[k] + channel].
-template <int Taps>
+template <int Taps, void (*Weights)(double, double*)>
 inline void owniInterPoint_8u(const uint8_t* origin, const ptrdiff_t* rowOffset, const ptrdiff_t* tapOffset,
-                              uint8_t* dst, int32_t channels, const double* wx, const double* wy) {
+                              uint8_t* dst, int32_t channels, double ax, double ay) {
+    double wx[Taps], wy[Taps];
+    Weights(ax, wx);
+    Weights(ay, wy);
     for (int32_t c = 0; c < channels; ++c) {
         double sum = 0.0;
         for (int r = 0; r < Taps; ++r) {
@@ -251,82 +255,59 @@ inline void owniInterPoint_8u(const uint8_t* origin, const ptrdiff_t* rowOffset,
 
 // Interior form: first points at the top-left tap; taps follow each other by
 // stride bytes across and step bytes down.
-template <int Taps>
+template <int Taps, void (*Weights)(double, double*)>
 inline void owniInterPointPixel_8u(const uint8_t* first, int32_t step, int32_t stride, uint8_t* dst,
-                                   int32_t channels, const double* wx, const double* wy) {
+                                   int32_t channels, double ax, double ay) {
     ptrdiff_t rowOffset[Taps], tapOffset[Taps];
     for (int k = 0; k < Taps; ++k) {
         rowOffset[k] = static_cast<ptrdiff_t>(k) * step;
         tapOffset[k] = static_cast<ptrdiff_t>(k) * stride;
     }
-    owniInterPoint_8u<Taps>(first, rowOffset, tapOffset, dst, channels, wx, wy);
+    owniInterPoint_8u<Taps, Weights>(first, rowOffset, tapOffset, dst, channels, ax, ay);
 }
 
 // Border form: src is the image's first sample, the taps are the clamped
 // column and row indices.
-template <int Taps>
+template <int Taps, void (*Weights)(double, double*)>
 inline void owniInterPointPixelB_8u(const uint8_t* src, int32_t step, int32_t stride, uint8_t* dst,
-                                    int32_t channels, const double* wx, const double* wy, const int32_t* xIndex,
+                                    int32_t channels, double ax, double ay, const int32_t* xIndex,
                                     const int32_t* yIndex) {
     ptrdiff_t rowOffset[Taps], tapOffset[Taps];
     for (int k = 0; k < Taps; ++k) {
         rowOffset[k] = static_cast<ptrdiff_t>(yIndex[k]) * step;
         tapOffset[k] = static_cast<ptrdiff_t>(xIndex[k]) * stride;
     }
-    owniInterPoint_8u<Taps>(src, rowOffset, tapOffset, dst, channels, wx, wy);
+    owniInterPoint_8u<Taps, Weights>(src, rowOffset, tapOffset, dst, channels, ax, ay);
 }
 
 // Cubic and Catmull-Rom at fractions tx, ty from tap 1 of four; Lanczos-3 at
 // dx0, dy0, the first of six taps minus the position.
 inline void ownpi_dInterPoint_C_Pixel_8u(const uint8_t* first, int32_t step, int32_t stride, uint8_t* dst,
                                          int32_t channels, double tx, double ty) {
-    double wx[4], wy[4];
-    ownpi_CubicWeights(tx, wx);
-    ownpi_CubicWeights(ty, wy);
-    owniInterPointPixel_8u<4>(first, step, stride, dst, channels, wx, wy);
+    owniInterPointPixel_8u<4, ownpi_CubicWeights>(first, step, stride, dst, channels, tx, ty);
 }
-
 inline void ownpi_dInterPoint_C_PixelB_8u(const uint8_t* src, int32_t step, int32_t stride, uint8_t* dst,
                                           int32_t channels, double tx, double ty, const int32_t xIndex[4],
                                           const int32_t yIndex[4]) {
-    double wx[4], wy[4];
-    ownpi_CubicWeights(tx, wx);
-    ownpi_CubicWeights(ty, wy);
-    owniInterPointPixelB_8u<4>(src, step, stride, dst, channels, wx, wy, xIndex, yIndex);
+    owniInterPointPixelB_8u<4, ownpi_CubicWeights>(src, step, stride, dst, channels, tx, ty, xIndex, yIndex);
 }
-
 inline void ownpi_dInterPoint_CR_Pixel_8u(const uint8_t* first, int32_t step, int32_t stride, uint8_t* dst,
                                           int32_t channels, double tx, double ty) {
-    double wx[4], wy[4];
-    ownpi_CatmullRomWeights(tx, wx);
-    ownpi_CatmullRomWeights(ty, wy);
-    owniInterPointPixel_8u<4>(first, step, stride, dst, channels, wx, wy);
+    owniInterPointPixel_8u<4, ownpi_CatmullRomWeights>(first, step, stride, dst, channels, tx, ty);
 }
-
 inline void ownpi_dInterPoint_CR_PixelB_8u(const uint8_t* src, int32_t step, int32_t stride, uint8_t* dst,
                                            int32_t channels, double tx, double ty, const int32_t xIndex[4],
                                            const int32_t yIndex[4]) {
-    double wx[4], wy[4];
-    ownpi_CatmullRomWeights(tx, wx);
-    ownpi_CatmullRomWeights(ty, wy);
-    owniInterPointPixelB_8u<4>(src, step, stride, dst, channels, wx, wy, xIndex, yIndex);
+    owniInterPointPixelB_8u<4, ownpi_CatmullRomWeights>(src, step, stride, dst, channels, tx, ty, xIndex, yIndex);
 }
-
 inline void ownpi_dInterPoint_L3_Pixel_8u(const uint8_t* first, int32_t step, int32_t stride, uint8_t* dst,
                                           int32_t channels, double dx0, double dy0) {
-    double wx[6], wy[6];
-    ownpi_Lanczos3Weights(dx0, wx);
-    ownpi_Lanczos3Weights(dy0, wy);
-    owniInterPointPixel_8u<6>(first, step, stride, dst, channels, wx, wy);
+    owniInterPointPixel_8u<6, ownpi_Lanczos3Weights>(first, step, stride, dst, channels, dx0, dy0);
 }
-
 inline void ownpi_dInterPoint_L3_PixelB_8u(const uint8_t* src, int32_t step, int32_t stride, uint8_t* dst,
                                            int32_t channels, double dx0, double dy0, const int32_t xIndex[6],
                                            const int32_t yIndex[6]) {
-    double wx[6], wy[6];
-    ownpi_Lanczos3Weights(dx0, wx);
-    ownpi_Lanczos3Weights(dy0, wy);
-    owniInterPointPixelB_8u<6>(src, step, stride, dst, channels, wx, wy, xIndex, yIndex);
+    owniInterPointPixelB_8u<6, ownpi_Lanczos3Weights>(src, step, stride, dst, channels, dx0, dy0, xIndex, yIndex);
 }
 
 }  // namespace PRIM_BUILD

@@ -145,57 +145,44 @@ inline void SampleNearest(const RemapJob& job, float x, float y, uint8_t* dst) {
 
 // The double-precision kernels read taps around i = trunc(v + 1e-7): with all
 // of them inside the source the interior form runs, else the clamped one.
-// Kernel gives its number of taps and the two forms.
+// Cubic and Catmull-Rom take the fraction from tap 1 of four, Lanczos-3 the
+// first of six taps minus the position.
+struct CubicKernel {
+    static constexpr int32_t kTaps = 4;
+    static constexpr auto Pixel = ownpi_dInterPoint_C_Pixel_8u;
+    static constexpr auto PixelB = ownpi_dInterPoint_C_PixelB_8u;
+    static double Argument(float v, int32_t i) { return double{v} - i; }
+};
+
+struct CatmullRomKernel {
+    static constexpr int32_t kTaps = 4;
+    static constexpr auto Pixel = ownpi_dInterPoint_CR_Pixel_8u;
+    static constexpr auto PixelB = ownpi_dInterPoint_CR_PixelB_8u;
+    static double Argument(float v, int32_t i) { return double{v} - i; }
+};
+
+struct Lanczos3Kernel {
+    static constexpr int32_t kTaps = 6;
+    static constexpr auto Pixel = ownpi_dInterPoint_L3_Pixel_8u;
+    static constexpr auto PixelB = ownpi_dInterPoint_L3_PixelB_8u;
+    static double Argument(float v, int32_t i) { return (i - 2) - double{v}; }
+};
+
 template <class Kernel>
 inline void SamplePoint(const RemapJob& job, float x, float y, uint8_t* dst) {
     constexpr int32_t taps = Kernel::kTaps, before = taps / 2 - 1;
     int32_t ix = static_cast<int32_t>(static_cast<double>(x) + 1e-7);
     int32_t iy = static_cast<int32_t>(static_cast<double>(y) + 1e-7);
+    double ax = Kernel::Argument(x, ix), ay = Kernel::Argument(y, iy);
     if (ix >= before && ix + taps - before <= job.lastCol + 1 && iy >= before && iy + taps - before <= job.lastRow + 1) {
-        Kernel::Interior(PixelAt(job, ix - before, iy - before), job.srcStep, dst, x, y, ix, iy);
+        Kernel::Pixel(PixelAt(job, ix - before, iy - before), job.srcStep, 4, dst, 3, ax, ay);
         return;
     }
     int32_t xIndex[taps], yIndex[taps];
     SetClampedIndices(job.lastCol + 1, xIndex, taps, x);
     SetClampedIndices(job.lastRow + 1, yIndex, taps, y);
-    Kernel::Border(job.src, job.srcStep, dst, x, y, ix, iy, xIndex, yIndex);
+    Kernel::PixelB(job.src, job.srcStep, 4, dst, 3, ax, ay, xIndex, yIndex);
 }
-
-// The fractions t are taken from tap 1 of four; Lanczos-3 takes the first of
-// six taps minus the position.
-struct CubicKernel {
-    static constexpr int32_t kTaps = 4;
-    static void Interior(const uint8_t* first, int32_t step, uint8_t* dst, float x, float y, int32_t ix, int32_t iy) {
-        ownpi_dInterPoint_C_Pixel_8u(first, step, 4, dst, 3, double{x} - ix, double{y} - iy);
-    }
-    static void Border(const uint8_t* src, int32_t step, uint8_t* dst, float x, float y, int32_t ix, int32_t iy,
-                       const int32_t* xIndex, const int32_t* yIndex) {
-        ownpi_dInterPoint_C_PixelB_8u(src, step, 4, dst, 3, double{x} - ix, double{y} - iy, xIndex, yIndex);
-    }
-};
-
-struct CatmullRomKernel {
-    static constexpr int32_t kTaps = 4;
-    static void Interior(const uint8_t* first, int32_t step, uint8_t* dst, float x, float y, int32_t ix, int32_t iy) {
-        ownpi_dInterPoint_CR_Pixel_8u(first, step, 4, dst, 3, double{x} - ix, double{y} - iy);
-    }
-    static void Border(const uint8_t* src, int32_t step, uint8_t* dst, float x, float y, int32_t ix, int32_t iy,
-                       const int32_t* xIndex, const int32_t* yIndex) {
-        ownpi_dInterPoint_CR_PixelB_8u(src, step, 4, dst, 3, double{x} - ix, double{y} - iy, xIndex, yIndex);
-    }
-};
-
-struct Lanczos3Kernel {
-    static constexpr int32_t kTaps = 6;
-    static void Interior(const uint8_t* first, int32_t step, uint8_t* dst, float x, float y, int32_t ix, int32_t iy) {
-        ownpi_dInterPoint_L3_Pixel_8u(first, step, 4, dst, 3, (ix - 2) - double{x}, (iy - 2) - double{y});
-    }
-    static void Border(const uint8_t* src, int32_t step, uint8_t* dst, float x, float y, int32_t ix, int32_t iy,
-                       const int32_t* xIndex, const int32_t* yIndex) {
-        ownpi_dInterPoint_L3_PixelB_8u(src, step, 4, dst, 3, (ix - 2) - double{x}, (iy - 2) - double{y}, xIndex,
-                                       yIndex);
-    }
-};
 
 }  // namespace PRIM_BUILD
 

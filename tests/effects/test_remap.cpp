@@ -1,7 +1,6 @@
 // "Explode", "Faceted", "Eye" and "Whirl" (CRemap): parameters, the frames
 // against maps built from their rules, and Explode's scatter by its
 // properties.
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -203,22 +202,13 @@ TEST(RemapEffect, ExplodeScattersInsideEachBox) {
     Kelvarine_Destory(effect);
 }
 
-// The library as a fresh process sees it, so that its draws start afresh.
-struct FreshLibrary {
-    void* handle = dlopen(KV_SHARED_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-    template <typename Function>
-    Function* Get(const char* name) {
-        return reinterpret_cast<Function*>(dlsym(handle, name));
-    }
-};
-
 // The draws are the sequence that random() gives in a fresh process, pixel
 // by pixel, x before y, and they run on from build to build; the host's own
 // random() is neither reseeded nor advanced. The child's exit code names the
 // first check that failed.
 TEST(RemapEffect, ExplodeDrawsRunOnWithoutTouchingTheHostGenerator) {
     auto child = kvtest::RunInChild([] {
-        FreshLibrary library;
+        kvtest::FreshLibrary library;
         if (library.handle == nullptr) _exit(10);
         auto newInstance = library.Get<decltype(Kelvarine_NewInstance)>("Kelvarine_NewInstance");
         auto proc = library.Get<decltype(Kelvarine_Proc)>("Kelvarine_Proc");
