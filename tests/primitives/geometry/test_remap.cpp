@@ -113,28 +113,6 @@ TEST_P(Remap, EveryKernelFollowsItsRuleAndLeavesOtherBytesAlone) {
     }
 }
 
-// The identity map copies the source exactly under the linear kernel, the
-// last column and row included, and the fourth bytes stay the destination's.
-TEST_P(Remap, LinearIdentityIsAnExactCopy) {
-    for (const auto& shape : kvtest::AwkwardShapes()) {
-        if (shape.width < 2 || shape.height < 2) continue;
-        PrimSize size = {shape.width, shape.height};
-        Scene scene(size, {0, 0, shape.width, shape.height}, size, 7 + shape.width);
-        for (int32_t j = 0; j < size.height; ++j)
-            for (int32_t i = 0; i < size.width; ++i) {
-                scene.xMap.Set(i, j, static_cast<float>(i));
-                scene.yMap.Set(i, j, static_cast<float>(j));
-            }
-        ImageUnderTest before = scene.dst;
-        ASSERT_EQ(scene.Run(InterpLinear), PrimOk);
-        for (int32_t j = 0; j < size.height; ++j)
-            for (int32_t i = 0; i < size.width; ++i)
-                for (int c = 0; c < 4; ++c)
-                    ASSERT_EQ(scene.dst.at(i, j, c), c < 3 ? scene.src.at(i, j, c) : before.at(i, j, c))
-                        << shape.width << "x" << shape.height << " at " << i << "," << j;
-    }
-}
-
 // Values that show the rounding and the bounds of the rows.
 TEST_P(Remap, WorkedPositions) {
     ImageUnderTest src(2, 2, 0, 0, 1);
