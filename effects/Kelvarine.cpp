@@ -19,6 +19,7 @@
 #include "effects/Median.h"
 #include "effects/OldFilm.h"
 #include "effects/Rand.h"
+#include "effects/Remap.h"
 #include "effects/Saturation.h"
 #include "effects/Wiener.h"
 
@@ -87,10 +88,10 @@ const EffectListEntry EffectList[] = {
     {"Contrast", 1031, 0, Contrast::CreateInstance, nullptr},
     {"Saturation", 1033, 0, Saturation::CreateInstance, nullptr},
     {"BrightnessAndContrastAndSaturation", 1040, 0, BrightnessAndContrastAndSaturation::CreateInstance, nullptr},
-    {"Explode", 1050, 6, nullptr, &Explode_default},
-    {"Faceted", 1051, 6, nullptr, &Faceted_default},
-    {"Eye", 1052, 6, nullptr, &Eye_default},
-    {"Whirl", 1053, 6, nullptr, &Whirl_default},
+    {"Explode", 1050, 6, CRemap::CreateInstance, &Explode_default},
+    {"Faceted", 1051, 6, CRemap::CreateInstance, &Faceted_default},
+    {"Eye", 1052, 6, CRemap::CreateInstance, &Eye_default},
+    {"Whirl", 1053, 6, CRemap::CreateInstance, &Whirl_default},
     {"Shear", 1054, 6, nullptr, &Shear_default},
     {"Rand", 1055, 6, CRand::CreateInstance, &Rand_default},
     {"Max Filter", 1056, 6, nullptr, &MaxFilter_default},

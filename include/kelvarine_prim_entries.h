@@ -73,3 +73,9 @@ PRIM_ENTRY(PrimStatus, primiFilterWienerGetBufferSize,
 PRIM_ENTRY(PrimStatus, primiFilterWiener_8u_AC4R,
            (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize roiSize, PrimSize maskSize,
             PrimPoint anchor, float* noise, uint8_t* buffer))
+
+/* Geometry: remap */
+PRIM_ENTRY(PrimStatus, primiRemap_8u_AC4R,
+           (const uint8_t* src, PrimSize srcSize, int32_t srcStep, PrimRect srcRoi, const float* xMap,
+            int32_t xMapStep, const float* yMap, int32_t yMapStep, uint8_t* dst, int32_t dstStep,
+            PrimSize dstRoiSize, int32_t interpolation))

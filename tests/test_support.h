@@ -2,6 +2,8 @@
 #ifndef KV_TESTS_TEST_SUPPORT_H
 #define KV_TESTS_TEST_SUPPORT_H
 
+#include <dlfcn.h>
+
 #include <cstdint>
 #include <functional>
 #include <random>
@@ -30,6 +32,17 @@ struct ChildResult {
 // Runs body in a forked child (so that once-per-process state starts fresh)
 // and collects its exit code and standard error.
 ChildResult RunInChild(const std::function<void()>& body);
+
+// The library's own entry points from a fresh load of it, as a new process
+// would see them: its once-per-process state (seeds, running draws) has not
+// been touched yet, whatever the test program ran before.
+struct FreshLibrary {
+    void* handle = dlopen(KV_SHARED_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    template <typename Function>
+    Function* Get(const char* name) {
+        return reinterpret_cast<Function*>(dlsym(handle, name));
+    }
+};
 
 // Makes a fresh empty directory and changes into it; the destructor goes back.
 class ScratchDirectory {

@@ -1,6 +1,5 @@
 // The "Rand" effect: parameters, and Gaussian noise from one running seed
 // that the clock starts.
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <sys/timeb.h>
 #include <unistd.h>
@@ -48,22 +47,12 @@ long ClockSeconds() {
     return static_cast<long>(now.time);
 }
 
-// The library's own entry points, from a fresh load of it: its seed has not
-// been drawn yet, whatever this test program ran before.
-struct FreshLibrary {
-    void* handle = dlopen(KV_SHARED_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-    template <typename Function>
-    Function* Get(const char* name) {
-        return reinterpret_cast<Function*>(dlsym(handle, name));
-    }
-};
-
 // The first Proc seeds from the clock; every later call of any instance
 // continues the same sequence, a call without noise included. The child's
 // exit code names the first check that failed.
 TEST(RandEffect, InstancesShareOneRunningSeedFromTheClock) {
     auto child = kvtest::RunInChild([] {
-        FreshLibrary library;
+        kvtest::FreshLibrary library;
         if (library.handle == nullptr) _exit(10);
         auto newInstance = library.Get<decltype(Kelvarine_NewInstance)>("Kelvarine_NewInstance");
         auto setArgs = library.Get<decltype(Kelvarine_SetEffectArgs)>("Kelvarine_SetEffectArgs");
