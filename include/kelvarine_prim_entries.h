@@ -37,3 +37,8 @@ PRIM_ENTRY(PrimStatus, primiCopyReplicateBorder_8u_AC4R,
            (const uint8_t* src, int32_t srcStep, PrimSize srcSize, uint8_t* dst, int32_t dstStep,
             PrimSize dstSize, int32_t top, int32_t left))
 PRIM_ENTRY(PrimStatus, primiMirror_8u_AC4IR, (uint8_t* image, int32_t step, PrimSize size, int32_t axis))
+
+/* Linear filters: box, convolution and the fixed kernels */
+PRIM_ENTRY(PrimStatus, primiFilterBox_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize,
+            PrimSize maskSize, PrimPoint anchor))
