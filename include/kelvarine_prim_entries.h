@@ -42,3 +42,6 @@ PRIM_ENTRY(PrimStatus, primiMirror_8u_AC4IR, (uint8_t* image, int32_t step, Prim
 PRIM_ENTRY(PrimStatus, primiFilterBox_8u_AC4R,
            (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize,
             PrimSize maskSize, PrimPoint anchor))
+PRIM_ENTRY(PrimStatus, primiFilter_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize,
+            const int32_t* pKernel, PrimSize kernelSize, PrimPoint anchor, int32_t divisor))
