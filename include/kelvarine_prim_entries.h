@@ -45,3 +45,23 @@ PRIM_ENTRY(PrimStatus, primiFilterBox_8u_AC4R,
 PRIM_ENTRY(PrimStatus, primiFilter_8u_AC4R,
            (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize,
             const int32_t* pKernel, PrimSize kernelSize, PrimPoint anchor, int32_t divisor))
+PRIM_ENTRY(PrimStatus, primiFilterPrewittVert_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize))
+PRIM_ENTRY(PrimStatus, primiFilterPrewittHoriz_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize))
+PRIM_ENTRY(PrimStatus, primiFilterSobelVert_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize))
+PRIM_ENTRY(PrimStatus, primiFilterSobelHoriz_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize))
+PRIM_ENTRY(PrimStatus, primiFilterRobertsUp_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize))
+PRIM_ENTRY(PrimStatus, primiFilterRobertsDown_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize))
+PRIM_ENTRY(PrimStatus, primiFilterLaplace_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize, int32_t mask))
+PRIM_ENTRY(PrimStatus, primiFilterGauss_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize, int32_t mask))
+PRIM_ENTRY(PrimStatus, primiFilterHipass_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize, int32_t mask))
+PRIM_ENTRY(PrimStatus, primiFilterLowpass_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize, int32_t mask))
