@@ -64,22 +64,23 @@ void ownLaplCol5x5_8u_C4(const int16_t* a0, const int16_t* b1, const int16_t* c2
 }
 
 // The five unsigned lines summed in 32 bits, times 1/571 in single
-// precision, rounded in the current mode (the driver makes it nearest).
-inline __m128i GaussQuotient(__m128i a0, __m128i b1, __m128i c2, __m128i b3, __m128i a4, bool high) {
+// precision, rounded in the current mode (the driver makes it nearest). The
+// two A lines (15300 at most) and the two B lines (65280) still fit 16
+// unsigned bits when added first.
+inline __m128i GaussQuotient(__m128i outer, __m128i inner, __m128i middle, bool high) {
     const __m128i zero = _mm_setzero_si128();
     auto widen = [&](__m128i v) { return high ? _mm_unpackhi_epi16(v, zero) : _mm_unpacklo_epi16(v, zero); };
-    const __m128i sum = _mm_add_epi32(_mm_add_epi32(_mm_add_epi32(widen(a0), widen(a4)), _mm_add_epi32(widen(b1), widen(b3))),
-                                      widen(c2));
+    const __m128i sum = _mm_add_epi32(_mm_add_epi32(widen(outer), widen(inner)), widen(middle));
     return _mm_cvtps_epi32(_mm_mul_ps(_mm_cvtepi32_ps(sum), _mm_set1_ps(kGaussReciprocal)));
 }
 
 void ownGaussCol5x5_8u_C4(const int16_t* a0, const int16_t* b1, const int16_t* c2, const int16_t* b3,
                           const int16_t* a4, uint8_t* dst, int32_t count) {
     WriteLine(dst, count, [&](int32_t i, auto e) {
-        const __m128i la0 = e.Load(a0 + i), lb1 = e.Load(b1 + i), lc2 = e.Load(c2 + i), lb3 = e.Load(b3 + i),
-                      la4 = e.Load(a4 + i);
-        return _mm_packs_epi32(GaussQuotient(la0, lb1, lc2, lb3, la4, false),
-                               GaussQuotient(la0, lb1, lc2, lb3, la4, true));
+        const __m128i outer = _mm_add_epi16(e.Load(a0 + i), e.Load(a4 + i));
+        const __m128i inner = _mm_add_epi16(e.Load(b1 + i), e.Load(b3 + i));
+        const __m128i middle = e.Load(c2 + i);
+        return _mm_packs_epi32(GaussQuotient(outer, inner, middle, false), GaussQuotient(outer, inner, middle, true));
     });
 }
 
