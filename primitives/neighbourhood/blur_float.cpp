@@ -7,9 +7,8 @@
 // as (sum + entering column) - leaving column. Each mean is the truncation
 // of scale * sum + 9.0e-6.
 #include "primitives/frame/memory.h"
-#include "primitives/neighbourhood/box_columns.h"
 #include "primitives/neighbourhood/box_filter.h"
-#include "primitives/neighbourhood/colour_stores.h"
+#include "primitives/neighbourhood/box_running_sums.h"
 
 namespace PRIM_BUILD {
 namespace {
@@ -34,43 +33,52 @@ inline void ColourLanes(const __m128i d[4], __m128i out[3]) {
     out[2] = _mm_castps_si128(_mm_shuffle_ps(p2b2p3b0, p3, _MM_SHUFFLE(2, 1, 2, 0)));
 }
 
-// column = (float)(entering - leaving) + column, the difference taken as an
-// integer first.
-template <bool kLeaving>
-void AddRowToColumns(float* columns, const uint8_t* entering, const uint8_t* leaving, int32_t count) {
-    ForEachColumnDifference<kLeaving>(
-        entering, leaving, count,
-        [columns](int32_t j, const __m128i* d) {
-            __m128i lanes[3];
-            ColourLanes(d, lanes);
-            float* at = columns + kLanes * j;
-            for (int k = 0; k < 3; ++k)
-                _mm_storeu_ps(at + 4 * k, _mm_add_ps(_mm_cvtepi32_ps(lanes[k]), _mm_loadu_ps(at + 4 * k)));
-        },
-        [columns](int32_t j, __m128i d) {
-            alignas(16) int32_t lanes[4];
-            _mm_store_si128(reinterpret_cast<__m128i*>(lanes), d);
-            for (int c = 0; c < kLanes; ++c) columns[kLanes * j + c] = static_cast<float>(lanes[c]) + columns[kLanes * j + c];
-        });
-}
+// A column is read as four floats, the fourth belonging to the next column
+// (the scratch has spare columns at the end): its lane is computed along
+// and dropped by the store.
+class FloatSums {
+public:
+    FloatSums(float* columns, int32_t count, float scale) : columns_(columns), count_(count), scale_(_mm_set1_ps(scale)) {}
 
-// One output row. A column is read as four floats, the fourth belonging to
-// the next column (the scratch has spare columns at the end): its lane is
-// computed along and dropped by the store.
-void RowOfMeans(const float* columns, uint8_t* dst, int32_t width, int32_t maskWidth, __m128 scale) {
-    auto column = [columns](int32_t i) { return _mm_loadu_ps(columns + kLanes * i); };
-    __m128 sum = _mm_setzero_ps();
-    for (int32_t i = 0; i < maskWidth; ++i) sum = _mm_add_ps(sum, column(i));
-    const __m128 offset = _mm_set1_ps(kMeanOffset);
-    int32_t x = 0;
-    auto nextMean = [&] {
-        const __m128i mean = _mm_cvttps_epi32(_mm_add_ps(_mm_mul_ps(scale, sum), offset));
-        if (x + 1 < width) sum = _mm_sub_ps(_mm_add_ps(sum, column(x + maskWidth)), column(x));
-        ++x;
-        return mean;
-    };
-    StorePixelsFromLanes(dst, width, nextMean);
-}
+    void AddRow(const uint8_t* row) { Change<false>(row, nullptr); }
+    void MoveDown(const uint8_t* entering, const uint8_t* leaving) { Change<true>(entering, leaving); }
+
+    __m128 Column(int32_t i) const { return _mm_loadu_ps(columns_ + kLanes * i); }
+    static __m128 Add(__m128 sum, __m128 column) { return _mm_add_ps(sum, column); }
+    static __m128 Slide(__m128 sum, __m128 entering, __m128 leaving) {
+        return _mm_sub_ps(_mm_add_ps(sum, entering), leaving);
+    }
+    __m128i Mean(__m128 sum) const {
+        return _mm_cvttps_epi32(_mm_add_ps(_mm_mul_ps(scale_, sum), _mm_set1_ps(kMeanOffset)));
+    }
+
+private:
+    // column = (float)(entering - leaving) + column, the difference taken as
+    // an integer first.
+    template <bool kLeaving>
+    void Change(const uint8_t* entering, const uint8_t* leaving) {
+        float* columns = columns_;
+        ForEachColumnDifference<kLeaving>(
+            entering, leaving, count_,
+            [columns](int32_t j, const __m128i* d) {
+                __m128i lanes[3];
+                ColourLanes(d, lanes);
+                float* at = columns + kLanes * j;
+                for (int k = 0; k < 3; ++k)
+                    _mm_storeu_ps(at + 4 * k, _mm_add_ps(_mm_cvtepi32_ps(lanes[k]), _mm_loadu_ps(at + 4 * k)));
+            },
+            [columns](int32_t j, __m128i d) {
+                alignas(16) int32_t lanes[4];
+                _mm_store_si128(reinterpret_cast<__m128i*>(lanes), d);
+                for (int c = 0; c < kLanes; ++c)
+                    columns[kLanes * j + c] = static_cast<float>(lanes[c]) + columns[kLanes * j + c];
+            });
+    }
+
+    float* columns_;
+    int32_t count_;
+    __m128 scale_;
+};
 
 }  // namespace
 
@@ -78,23 +86,13 @@ PrimStatus ownBlurFloat_8u(const uint8_t* src, int32_t srcStep, uint8_t* dst, in
                            PrimSize maskSize, PrimPoint anchor) {
     const int32_t area =
         static_cast<int32_t>(static_cast<uint32_t>(maskSize.width) * static_cast<uint32_t>(maskSize.height));
-    const __m128 scale = _mm_set1_ps(1.0f / static_cast<float>(area));
     const int32_t elements =
         static_cast<int32_t>((static_cast<uint32_t>(maskSize.width) + roiSize.width + 2) * kLanes);
     float* columns = primsMalloc_32f(elements);
     if (columns == nullptr) return PrimMemAllocErr;
     PRIM(primsSet_32f)(0.0f, columns, elements);
-
-    const uint8_t* window = BoxWindowOrigin(src, srcStep, anchor);
-    const int32_t count = maskSize.width + roiSize.width - 1;
-    for (int32_t r = 0; r < maskSize.height; ++r)
-        AddRowToColumns<false>(columns, window + static_cast<ptrdiff_t>(r) * srcStep, nullptr, count);
-    for (int32_t y = 0; y < roiSize.height; ++y) {
-        RowOfMeans(columns, dst + static_cast<ptrdiff_t>(y) * dstStep, roiSize.width, maskSize.width, scale);
-        if (y + 1 < roiSize.height)
-            AddRowToColumns<true>(columns, window + static_cast<ptrdiff_t>(y + maskSize.height) * srcStep,
-                                  window + static_cast<ptrdiff_t>(y) * srcStep, count);
-    }
+    FloatSums sums(columns, maskSize.width + roiSize.width - 1, 1.0f / static_cast<float>(area));
+    RunningSumRows(sums, BoxWindowOrigin(src, srcStep, anchor), srcStep, dst, dstStep, roiSize, maskSize);
     PRIM(primsFree)(columns);
     return PrimOk;
 }

@@ -4,9 +4,8 @@
 // multiplier a reciprocal of the area biased upward and no rounding offset:
 // the result is truncated. Up to area 8100 the product of the largest sum
 // and its multiplier stays below 2^32.
-#include "primitives/neighbourhood/box_columns.h"
 #include "primitives/neighbourhood/box_filter.h"
-#include "primitives/neighbourhood/colour_stores.h"
+#include "primitives/neighbourhood/box_running_sums.h"
 
 namespace PRIM_BUILD {
 namespace {
@@ -45,41 +44,46 @@ inline __m128i MultiplyLow32(__m128i a, __m128i b) {
 #endif
 }
 
-// Column sums, four 32-bit lanes a column: the fourth lane carries the
-// fourth bytes along and never reaches the destination.
-template <bool kLeaving>
-void AddRowToColumns(__m128i* columns, const uint8_t* entering, const uint8_t* leaving, int32_t count) {
-    ForEachColumnDifference<kLeaving>(
-        entering, leaving, count,
-        [columns](int32_t j, const __m128i* d) {
-            for (int k = 0; k < 4; ++k) columns[j + k] = _mm_add_epi32(columns[j + k], d[k]);
-        },
-        [columns](int32_t j, __m128i d) { columns[j] = _mm_add_epi32(columns[j], d); });
-}
+// Column sums of four 32-bit lanes, wrapping: the fourth lane carries the
+// fourth bytes along and never reaches the destination. Means stay below
+// 2^20, so the store's saturation is the limit to 255.
+class IntegerSums {
+public:
+    IntegerSums(__m128i* columns, int32_t count, uint32_t multiplier, uint32_t shift)
+        : columns_(columns),
+          count_(count),
+          multiplier_(_mm_set1_epi32(static_cast<int32_t>(multiplier))),
+          shift_(_mm_cvtsi32_si128(static_cast<int32_t>(shift))) {
+        memset(columns, 0, sizeof(__m128i) * static_cast<size_t>(count));
+    }
 
-// The column sums of the first window's rows.
-void own_get_first_sum_8u(const uint8_t* window, int32_t srcStep, __m128i* columns, int32_t count, int32_t rows) {
-    memset(columns, 0, sizeof(__m128i) * static_cast<size_t>(count));
-    for (int32_t r = 0; r < rows; ++r)
-        AddRowToColumns<false>(columns, window + static_cast<ptrdiff_t>(r) * srcStep, nullptr, count);
-}
+    void AddRow(const uint8_t* row) { Change<false>(row, nullptr); }
+    void MoveDown(const uint8_t* entering, const uint8_t* leaving) { Change<true>(entering, leaving); }
 
-// One output row: the running sum starts as the first maskWidth columns and
-// then slides, one column in and one out, per pixel. Means stay below 2^20,
-// so the store's saturation is the limit to 255.
-void inner_ownBlur_8u(const __m128i* columns, uint8_t* dst, int32_t width, int32_t maskWidth, __m128i multiplier,
-                      __m128i shift) {
-    __m128i sum = _mm_setzero_si128();
-    for (int32_t i = 0; i < maskWidth; ++i) sum = _mm_add_epi32(sum, columns[i]);
-    int32_t x = 0;
-    auto nextMean = [&] {
-        const __m128i mean = _mm_srl_epi32(MultiplyLow32(multiplier, sum), shift);
-        if (x + 1 < width) sum = _mm_add_epi32(sum, _mm_sub_epi32(columns[x + maskWidth], columns[x]));
-        ++x;
-        return mean;
-    };
-    StorePixelsFromLanes(dst, width, nextMean);
-}
+    __m128i Column(int32_t i) const { return columns_[i]; }
+    static __m128i Add(__m128i sum, __m128i column) { return _mm_add_epi32(sum, column); }
+    static __m128i Slide(__m128i sum, __m128i entering, __m128i leaving) {
+        return _mm_add_epi32(sum, _mm_sub_epi32(entering, leaving));
+    }
+    __m128i Mean(__m128i sum) const { return _mm_srl_epi32(MultiplyLow32(multiplier_, sum), shift_); }
+
+private:
+    template <bool kLeaving>
+    void Change(const uint8_t* entering, const uint8_t* leaving) {
+        __m128i* columns = columns_;
+        ForEachColumnDifference<kLeaving>(
+            entering, leaving, count_,
+            [columns](int32_t j, const __m128i* d) {
+                for (int k = 0; k < 4; ++k) columns[j + k] = _mm_add_epi32(columns[j + k], d[k]);
+            },
+            [columns](int32_t j, __m128i d) { columns[j] = _mm_add_epi32(columns[j], d); });
+    }
+
+    __m128i* columns_;
+    int32_t count_;
+    __m128i multiplier_;
+    __m128i shift_;
+};
 
 }  // namespace
 
@@ -99,21 +103,8 @@ PrimStatus ownBlur_8u(const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t
     const uint32_t bytes = ((static_cast<uint32_t>(maskSize.width) + roiSize.width + 2) * 16 + 15) & ~15u;
     __m128i* columns = reinterpret_cast<__m128i*>(PRIM(primsMalloc_8u)(static_cast<int32_t>(bytes)));
     if (columns == nullptr) return PrimMemAllocErr;
-
-    const uint8_t* window = BoxWindowOrigin(src, srcStep, anchor);
-    const int32_t count = maskSize.width + roiSize.width - 1;
-    own_get_first_sum_8u(window, srcStep, columns, count, maskSize.height);
-    const __m128i multiplierLanes = _mm_set1_epi32(static_cast<int32_t>(multiplier));
-    const __m128i shiftCount = _mm_cvtsi32_si128(static_cast<int32_t>(shift));
-    for (int32_t y = 0; y < roiSize.height; ++y) {
-        inner_ownBlur_8u(columns, dst + static_cast<ptrdiff_t>(y) * dstStep, roiSize.width, maskSize.width,
-                         multiplierLanes, shiftCount);
-        // The last row leaves the columns as they are: the row below its
-        // window is never read.
-        if (y + 1 < roiSize.height)
-            AddRowToColumns<true>(columns, window + static_cast<ptrdiff_t>(y + maskSize.height) * srcStep,
-                                  window + static_cast<ptrdiff_t>(y) * srcStep, count);
-    }
+    IntegerSums sums(columns, maskSize.width + roiSize.width - 1, multiplier, shift);
+    RunningSumRows(sums, BoxWindowOrigin(src, srcStep, anchor), srcStep, dst, dstStep, roiSize, maskSize);
     PRIM(primsFree)(columns);
     return PrimOk;
 }
