@@ -1,20 +1,23 @@
-// Running the padded-copy effects in tests: the frame as they see it, with
-// its edges replicated, and a count of the allocations they make.
+// Testing the effects that filter a padded copy of the frame: the frame as
+// they see it, with its edges replicated, and a count of their allocations.
 #ifndef KV_TESTS_EFFECTS_PADDED_EFFECT_SUPPORT_H
 #define KV_TESTS_EFFECTS_PADDED_EFFECT_SUPPORT_H
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <vector>
 
+#include "colour_effect_support.h"
 #include "kelvarine_prims.h"
+#include "test_support.h"
 
 namespace kvtest {
 
-// Channel c of the frame at (x, y), with coordinates outside the frame taken
-// to the nearest edge pixel.
+// Channel c of the frame at (x, y), a coordinate outside taken to the edge.
 struct Replicated {
-    const std::vector<uint8_t>& frame;
+    const Bytes& frame;
     int width, height;
     int operator()(int x, int y, int c) const {
         x = std::min(std::max(x, 0), width - 1);
@@ -23,14 +26,23 @@ struct Replicated {
     }
 };
 
-// The frame with each colour byte replaced by value(x, y, c).
-template <class Value>
-std::vector<uint8_t> WithColours(std::vector<uint8_t> frame, int width, int height, Value value) {
-    std::vector<uint8_t> out = frame;
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            for (int c = 0; c < 3; ++c) out[(size_t(y) * width + x) * 4 + c] = value(x, y, c);
-    return out;
+// A new instance with word 0 set to word0 runs on random frames of awkward
+// sizes; each colour byte must equal reference(at, x, y, c), with at
+// reading the frame replicated, and each fourth byte must stay.
+template <class Reference>
+void ExpectOnRandomFrames(Effect_Base* (*create)(), int word0, Reference reference) {
+    const int sizes[][2] = {{1, 1}, {2, 3}, {5, 4}, {7, 2}, {21, 3}};
+    for (const auto& size : sizes) {
+        const int width = size[0], height = size[1];
+        Bytes frame = RandomBytes(size_t(width) * height * 4, uint32_t(word0 * 100 + width));
+        Bytes expected = frame;
+        const Replicated at{frame, width, height};
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x)
+                for (int c = 0; c < 3; ++c) expected[(size_t(y) * width + x) * 4 + c] = reference(at, x, y, c);
+        EXPECT_EQ(Processed(create, frame, width, height, &word0), expected)
+            << "word 0 = " << word0 << ", " << width << "x" << height;
+    }
 }
 
 // Counts, while alive, the blocks taken and given back through the
@@ -39,8 +51,8 @@ class AllocationCounter {
 public:
     AllocationCounter() : savedMalloc_(i_malloc), savedFree_(i_free) {
         taken = given = 0;
-        i_malloc = [](size_t n) { ++taken; return std::malloc(n); };
-        i_free = [](void* p) { ++given; std::free(p); };
+        i_malloc = [](size_t n) { return ++taken, std::malloc(n); };
+        i_free = [](void* p) { ++given, std::free(p); };
     }
     ~AllocationCounter() {
         i_malloc = savedMalloc_;
