@@ -29,12 +29,14 @@ struct FixedFilter {
     std::vector<int> kernel;  // (2r + 1)^2 entries, row by row from the top
     uint8_t (*result)(int s);
 
-    // The result at (x, y), reading the source through at(x, y, c).
+    // The result at (x, y), reading the source through at(x, y, c) where
+    // the kernel is not 0.
     template <class Source>
     uint8_t At(const Source& at, int x, int y, int c) const {
         const int edge = 2 * radius + 1;
         int s = 0;
-        for (int k = 0; k < edge * edge; ++k) s += kernel[k] * at(x + k % edge - radius, y + k / edge - radius, c);
+        for (int k = 0; k < edge * edge; ++k)
+            if (kernel[k] != 0) s += kernel[k] * at(x + k % edge - radius, y + k / edge - radius, c);
         return result(s);
     }
 };
