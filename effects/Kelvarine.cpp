@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "effects/Box.h"
 #include "effects/Brightness.h"
 #include "effects/BrightnessAndContrastAndSaturation.h"
 #include "effects/Canny.h"
@@ -10,6 +11,7 @@
 #include "effects/ColorEmphase.h"
 #include "effects/ColorMask.h"
 #include "effects/Contrast.h"
+#include "effects/EdgeDetect.h"
 #include "effects/Effect_Base.h"
 #include "effects/Emboss.h"
 #include "effects/FilmColor.h"
@@ -17,6 +19,9 @@
 #include "effects/Gamma.h"
 #include "effects/Gray.h"
 #include "effects/Median.h"
+#include "effects/Guess.h"
+#include "effects/Linear.h"
+#include "effects/Lowpass.h"
 #include "effects/OldFilm.h"
 #include "effects/Rand.h"
 #include "effects/Remap.h"
@@ -62,15 +67,15 @@ constexpr uint64_t kPresetRows = 0x7F7FC760000ull;
 
 // A row whose class is not built yet has no creator and creates nothing.
 const EffectListEntry EffectList[] = {
-    {"Box", 1001, 6, nullptr, nullptr},
+    {"Box", 1001, 6, Box::CreateInstance, nullptr},
     {"Canny", 1002, 6, Canny::CreateInstance, nullptr},
     {"Min Filter", 1003, 6, nullptr, nullptr},
     {"Dilate", 1006, 6, nullptr, nullptr},
     {"Erode", 1007, 6, nullptr, nullptr},
-    {"Edge Detect", 1008, 6, nullptr, nullptr},
+    {"Edge Detect", 1008, 6, EdgeDetect::CreateInstance, nullptr},
     {"Film Mono", 1010, 6, FilmMono::CreateInstance, nullptr},
-    {"Guess", 1011, 6, nullptr, nullptr},
-    {"Linear", 1012, 6, nullptr, nullptr},
+    {"Guess", 1011, 6, Guess::CreateInstance, nullptr},
+    {"Linear", 1012, 6, Linear::CreateInstance, nullptr},
     {"Emboss", 1034, 6, Emboss::CreateInstance, nullptr},
     {"Old Film", 1035, 6, OldFilm::CreateInstance, nullptr},
     {"Gray", 1036, 6, Gray::CreateInstance, nullptr},
@@ -105,7 +110,7 @@ const EffectListEntry EffectList[] = {
     {"Pink", 1064, 6, CColorMask::CreateInstance, &ColorMask_P_default},
     {"Purple", 1065, 6, CColorMask::CreateInstance, &ColorMask_U_default},
     {"Old Picture", 1066, 6, CColorMask::CreateInstance, &ColorMask_O_default},
-    {"De-noise", 1067, 0, nullptr, nullptr},
+    {"De-noise", 1067, 0, CLowpass::CreateInstance, nullptr},
 };
 
 // The count is fixed, not computed from the table.

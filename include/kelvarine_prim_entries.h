@@ -79,3 +79,31 @@ PRIM_ENTRY(PrimStatus, primiRemap_8u_AC4R,
            (const uint8_t* src, PrimSize srcSize, int32_t srcStep, PrimRect srcRoi, const float* xMap,
             int32_t xMapStep, const float* yMap, int32_t yMapStep, uint8_t* dst, int32_t dstStep,
             PrimSize dstRoiSize, int32_t interpolation))
+
+/* Linear filters: box, convolution and the fixed kernels */
+PRIM_ENTRY(PrimStatus, primiFilterBox_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize,
+            PrimSize maskSize, PrimPoint anchor))
+PRIM_ENTRY(PrimStatus, primiFilter_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize,
+            const int32_t* pKernel, PrimSize kernelSize, PrimPoint anchor, int32_t divisor))
+PRIM_ENTRY(PrimStatus, primiFilterPrewittVert_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize))
+PRIM_ENTRY(PrimStatus, primiFilterPrewittHoriz_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize))
+PRIM_ENTRY(PrimStatus, primiFilterSobelVert_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize))
+PRIM_ENTRY(PrimStatus, primiFilterSobelHoriz_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize))
+PRIM_ENTRY(PrimStatus, primiFilterRobertsUp_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize))
+PRIM_ENTRY(PrimStatus, primiFilterRobertsDown_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize))
+PRIM_ENTRY(PrimStatus, primiFilterLaplace_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize, int32_t mask))
+PRIM_ENTRY(PrimStatus, primiFilterGauss_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize, int32_t mask))
+PRIM_ENTRY(PrimStatus, primiFilterHipass_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize, int32_t mask))
+PRIM_ENTRY(PrimStatus, primiFilterLowpass_8u_AC4R,
+           (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize, int32_t mask))
