@@ -17,9 +17,10 @@ configure: deps
 run: configure
 	cmake --build $(BUILD) -j2 --target kelvarine_cli
 	@mkdir -p out
-	@$(CLI) list --available | while IFS=$$'\t' read -r id name; do \
-	  file="out/$$id-$$(echo "$$name" | tr ' ' '_').png"; \
-	  $(CLI) apply "$$id" "$$file" && echo "$$file"; \
+	@$(CLI) list | awk 'NR > 1 && $$4 == "yes" { id = $$2; $$1 = $$2 = $$3 = $$4 = ""; \
+	    sub(/^ +/, ""); gsub(/ /, "_"); print id, $$0 }' | \
+	while read -r id name; do \
+	  $(CLI) apply "$$id" "out/$$id-$$name.png" && echo "out/$$id-$$name.png"; \
 	done
 
 test: configure

@@ -1,0 +1,194 @@
+// kelvarine: lists the library's effects and applies one to a PNG picture.
+#include <cctype>
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "kelvarine.h"
+#include "tools/png_io.h"
+#include "tools/sample_picture.h"
+
+namespace {
+
+constexpr char kUsage[] =
+    "Usage: kelvarine list\n"
+    "       kelvarine apply EFFECT [IN.png] OUT.png [--args A,B,...]\n"
+    "       kelvarine sample OUT.png\n"
+    "\n"
+    "  list    print the effect catalog, one effect a line:\n"
+    "          index, id, type, available (yes/no), name\n"
+    "  apply   run EFFECT, given by id (1036) or by name in any case (gray,\n"
+    "          \"mirror both\"), over IN.png and write the result to OUT.png;\n"
+    "          without IN.png the built-in sample picture is used\n"
+    "  sample  write the built-in sample picture to OUT.png\n"
+    "\n"
+    "  --args A,B,...  up to six signed integers for the effect's parameter\n"
+    "                  words 0, 1, ...; words not given keep their values\n"
+    "  -h, --help      show this text\n";
+
+constexpr size_t kArgWords = std::extent_v<decltype(EffectArgs::word)>;
+
+// A mistake on the command line, as opposed to a failure while working.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+struct ApplyRequest {
+    std::string effect;
+    std::string input;  // empty: the sample picture
+    std::string output;
+    std::vector<int32_t> words;  // empty: the instance's own parameters
+};
+
+using Instance = std::unique_ptr<Effect_Base, decltype(&Kelvarine_Destory)>;
+
+Instance NewInstance(int32_t id) { return Instance(Kelvarine_NewInstance(id), &Kelvarine_Destory); }
+
+std::string Lowercase(std::string text) {
+    for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return text;
+}
+
+void ListEffects() {
+    std::printf("%5s  %4s  %4s  %-9s  %s\n", "index", "id", "type", "available", "name");
+    for (int32_t index = 0; index < Kelvarine_AllEffectCount(); ++index) {
+        int32_t id = Kelvarine_EffectID(index);
+        bool available = NewInstance(id) != nullptr;
+        std::printf("%5d  %4d  %4d  %-9s  %s\n", index, id, Kelvarine_EffectType(id), available ? "yes" : "no",
+                    Kelvarine_EffectName(id));
+    }
+}
+
+// The id of the effect named by its id or by its name in any case.
+int32_t FindEffect(const std::string& wanted) {
+    std::string wanted_name = Lowercase(wanted);
+    for (int32_t index = 0; index < Kelvarine_AllEffectCount(); ++index) {
+        int32_t id = Kelvarine_EffectID(index);
+        if (wanted == std::to_string(id) || wanted_name == Lowercase(Kelvarine_EffectName(id))) return id;
+    }
+    throw std::runtime_error("unknown effect '" + wanted + "' (see 'kelvarine list')");
+}
+
+int32_t ParseWord(const std::string& text) {
+    errno = 0;
+    char* end = nullptr;
+    long long value = std::strtoll(text.c_str(), &end, 10);
+    if (text.empty() || *end != '\0' || errno == ERANGE || value < INT32_MIN || value > INT32_MAX) {
+        throw UsageError("bad --args value '" + text + "': expected a signed 32-bit integer");
+    }
+    return static_cast<int32_t>(value);
+}
+
+// "3,-1,7": the words from word 0 on.
+std::vector<int32_t> ParseWords(const std::string& list) {
+    std::vector<int32_t> words;
+    size_t start = 0;
+    for (;;) {
+        size_t comma = list.find(',', start);
+        words.push_back(ParseWord(list.substr(start, comma - start)));
+        if (comma == std::string::npos) break;
+        start = comma + 1;
+    }
+    if (words.size() > kArgWords) {
+        throw UsageError("too many --args values: " + std::to_string(words.size()) + " given, at most " +
+                         std::to_string(kArgWords));
+    }
+    return words;
+}
+
+ApplyRequest ParseApply(const std::vector<std::string>& arguments) {
+    ApplyRequest request;
+    std::vector<std::string> positional;
+    bool words_given = false;
+    for (size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        if (argument == "--args" || argument.rfind("--args=", 0) == 0) {
+            if (words_given) throw UsageError("--args given more than once");
+            if (argument == "--args" && i + 1 == arguments.size()) throw UsageError("--args needs a value");
+            request.words = ParseWords(argument == "--args" ? arguments[++i] : argument.substr(7));
+            words_given = true;
+        } else if (argument.size() > 1 && argument[0] == '-') {
+            throw UsageError("unknown option '" + argument + "'");
+        } else {
+            positional.push_back(argument);
+        }
+    }
+    if (positional.size() < 2 || positional.size() > 3) {
+        throw UsageError("apply takes EFFECT [IN.png] OUT.png, got " + std::to_string(positional.size()) +
+                         " arguments");
+    }
+    request.effect = positional.front();
+    request.output = positional.back();
+    if (positional.size() == 3) request.input = positional[1];
+    return request;
+}
+
+// Sets the leading words and keeps the rest as the instance has them.
+void SetWords(Effect_Base* instance, const std::vector<int32_t>& words, const std::string& label) {
+    EffectArgs args{};  // GetArgs writes only the words the effect uses
+    Kelvarine_GetEffectArgs(instance, &args);
+    for (size_t i = 0; i < words.size(); ++i) args.word[i] = words[i];
+    if (Kelvarine_SetEffectArgs(instance, &args) != 0) throw std::runtime_error(label + " refused the --args values");
+}
+
+void Apply(const ApplyRequest& request) {
+    int32_t id = FindEffect(request.effect);
+    std::string label = "effect '" + std::string(Kelvarine_EffectName(id)) + "' (" + std::to_string(id) + ")";
+    Instance instance = NewInstance(id);
+    if (!instance) throw std::runtime_error(label + " is not available yet");
+    if (!request.words.empty()) SetWords(instance.get(), request.words, label);
+    Frame frame = request.input.empty() ? SamplePicture() : ReadPng(request.input);
+    if (Kelvarine_Proc(instance.get(), frame.bytes.data(), frame.width, frame.height) != 0) {
+        throw std::runtime_error(label + " failed on the picture");
+    }
+    WritePng(request.output, frame);
+}
+
+void Run(const std::vector<std::string>& arguments) {
+    const std::string& command = arguments.front();
+    std::vector<std::string> rest(arguments.begin() + 1, arguments.end());
+    if (command == "list") {
+        if (!rest.empty()) throw UsageError("list takes no arguments");
+        ListEffects();
+    } else if (command == "apply") {
+        Apply(ParseApply(rest));
+    } else if (command == "sample") {
+        if (rest.size() != 1) throw UsageError("sample takes one argument, OUT.png");
+        WritePng(rest.front(), SamplePicture());
+    } else {
+        throw UsageError("unknown command '" + command + "' (see 'kelvarine --help')");
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::vector<std::string> arguments(argv + 1, argv + argc);
+    if (arguments.empty()) {
+        std::fputs(kUsage, stderr);
+        return 2;
+    }
+    for (const std::string& argument : arguments) {
+        if (argument == "-h" || argument == "--help") {
+            std::fputs(kUsage, stdout);
+            return 0;
+        }
+    }
+    try {
+        Run(arguments);
+        return 0;
+    } catch (const UsageError& error) {
+        std::fprintf(stderr, "kelvarine: %s\n", error.what());
+        return 2;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "kelvarine: %s\n", error.what());
+        return 1;
+    }
+}
