@@ -37,3 +37,24 @@ PRIM_ENTRY(PrimStatus, primiCopyReplicateBorder_8u_AC4R,
            (const uint8_t* src, int32_t srcStep, PrimSize srcSize, uint8_t* dst, int32_t dstStep,
             PrimSize dstSize, int32_t top, int32_t left))
 PRIM_ENTRY(PrimStatus, primiMirror_8u_AC4IR, (uint8_t* image, int32_t step, PrimSize size, int32_t axis))
+
+/* Min and max filters */
+PRIM_ENTRY(PrimStatus, primiFilterMinGetBufferSize_8u_C4R, (int32_t roiWidth, PrimSize maskSize, int32_t* bufferSize))
+PRIM_ENTRY(PrimStatus, primiFilterMaxGetBufferSize_8u_C4R, (int32_t roiWidth, PrimSize maskSize, int32_t* bufferSize))
+PRIM_ENTRY(PrimStatus, primiFilterMinBorderReplicate_8u_C4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize roiSize, PrimSize maskSize,
+            PrimPoint anchor, uint8_t* buffer))
+PRIM_ENTRY(PrimStatus, primiFilterMaxBorderReplicate_8u_C4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize roiSize, PrimSize maskSize,
+            PrimPoint anchor, uint8_t* buffer))
+
+/* Morphology */
+PRIM_ENTRY(PrimStatus, primiMorphologyInitAlloc_8u_C4R,
+           (int32_t roiWidth, const uint8_t* mask, PrimSize maskSize, PrimPoint anchor, MorphologyState** state))
+PRIM_ENTRY(PrimStatus, primiMorphologyFree, (MorphologyState* state))
+PRIM_ENTRY(PrimStatus, primiDilateBorderReplicate_8u_C4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize roiSize, int32_t borderType,
+            MorphologyState* state))
+PRIM_ENTRY(PrimStatus, primiErodeBorderReplicate_8u_C4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize roiSize, int32_t borderType,
+            MorphologyState* state))
