@@ -121,11 +121,21 @@ void WidenRow(uint8_t* row, int32_t width, int32_t window, int32_t core, int32_t
 // The anchor of a pass whose own window is narrower than the mask.
 inline int32_t CoreAnchor(int32_t anchor, int32_t window) { return anchor < window - 1 ? anchor : window - 1; }
 
+// The pick of four pixel vectors one pixel apart: lane l covers pixels l to
+// l + 3 from at.
+template <class Pick>
+__m128i PickOfFour(const uint8_t* at) {
+    return Pick::Of(Pick::Of(Load16(at), Load16(at + 4)), Pick::Of(Load16(at + 8), Load16(at + 12)));
+}
+
 // The fixed-window pass: N pixels, four outputs a vector. It serves masks of
 // N pixels and, through widening, wider ones (an even width goes to the odd
-// pass below it).
+// pass below it). A window of N = 4q + r pixels is the pick of q picks of
+// four and r single pixels; each pick of four serves the q vectors of
+// outputs that share it, so a vector costs 3 + (q - 1) + r operations.
 template <class Pick, int N>
 void ownFilterRow_8u_C4R(const uint8_t* src, uint8_t* dst, int32_t width, int32_t maskWidth, int32_t anchor) {
+    constexpr int Q = N / 4, R = N % 4;
     const int32_t core = CoreAnchor(anchor, N);
     RowLeftEdge<Pick>(src, dst, width, N, core);
     RowRightEdge<Pick>(src, dst, width, N, core);
@@ -133,11 +143,23 @@ void ownFilterRow_8u_C4R(const uint8_t* src, uint8_t* dst, int32_t width, int32_
     const int32_t starts = width - N + 1;
     uint8_t* out = dst + 4 * core;
     int32_t s = 0;
-    for (; s + 4 <= starts; s += 4) {
-        const uint8_t* at = src + 4 * s;
-        __m128i acc = Load16(at);
-        for (int k = 1; k < N; ++k) acc = Pick::Of(acc, Load16(at + 4 * k));
-        Store16(out + 4 * s, acc);
+    if (starts >= 4) {
+        __m128i fours[Q + 1];  // fours[m]: the pick of four from pixel s + 4m
+        for (int m = 0; m + 1 < Q; ++m) fours[m] = PickOfFour<Pick>(src + 16 * m);
+        for (; s + 4 <= starts; s += 4) {
+            const uint8_t* at = src + 4 * s;
+            __m128i acc;
+            if (Q > 0) {
+                fours[Q - 1] = PickOfFour<Pick>(at + 16 * (Q - 1));
+                acc = fours[0];
+                for (int m = 1; m < Q; ++m) acc = Pick::Of(acc, fours[m]);
+                for (int m = 0; m + 1 < Q; ++m) fours[m] = fours[m + 1];
+            } else {
+                acc = Load16(at);
+            }
+            for (int k = Q > 0 ? 0 : 1; k < R; ++k) acc = Pick::Of(acc, Load16(at + 16 * Q + 4 * k));
+            Store16(out + 4 * s, acc);
+        }
     }
     for (; s < starts; ++s) {
         const uint8_t* at = src + 4 * s;

@@ -5,11 +5,12 @@
 // with anchor o, so a run row of the mask contributes the row pass of its
 // width applied to the source row it lies over. Each source row is filtered
 // once for every distinct run width, into a ring of one entry per mask row;
-// an output row is then the pick of one ring buffer per run row. The cost
-// per pixel follows the number of run rows and of distinct widths, not the
-// mask's area. Source rows above and below the image are the first and the
-// last row again, and the row passes cut windows at the row's ends: this is
-// the replicated border.
+// an output row is then the pick of one ring buffer per run row (a run of
+// one pixel reads the source row itself). The cost per pixel follows the
+// number of run rows and of distinct widths, not the mask's area. Source
+// rows above and below the image are the first and the last row again, and
+// the row passes cut windows at the row's ends: this is the replicated
+// border.
 #include "primitives/neighbourhood/min_max_row.h"
 #include "primitives/neighbourhood/morphology_kinds.h"
 
@@ -53,12 +54,15 @@ void ownMorphEllipse_8u_C4R(const uint8_t* src, int32_t srcStep, uint8_t* dst, i
             const uint8_t* row = src + static_cast<ptrdiff_t>(filtered) * srcStep;
             uint8_t* entry = ring + static_cast<size_t>(filtered % e.height) * entryBytes;
             for (int32_t u = 0; u < e.runCount; ++u)
-                runs[u].pass(row, entry + u * rowBytes, roi.width, runs[u].axis.size, runs[u].axis.anchor);
+                if (runs[u].axis.size > 1)
+                    runs[u].pass(row, entry + u * rowBytes, roi.width, runs[u].axis.size, runs[u].axis.anchor);
         }
         for (int32_t t = 0; t < e.rowCount; ++t) {
             int32_t r = top + e.rowIndex[t];
             r = r < 0 ? 0 : (r > roi.height - 1 ? roi.height - 1 : r);
-            parts[t] = ring + static_cast<size_t>(r % e.height) * entryBytes + e.rowRun[t] * rowBytes;
+            const int32_t u = e.rowRun[t];
+            parts[t] = runs[u].axis.size == 1 ? src + static_cast<ptrdiff_t>(r) * srcStep
+                                              : ring + static_cast<size_t>(r % e.height) * entryBytes + u * rowBytes;
         }
         PickRowSet<Pick>(parts, e.rowCount, dst + static_cast<ptrdiff_t>(y) * dstStep,
                          4 * static_cast<size_t>(roi.width), false);

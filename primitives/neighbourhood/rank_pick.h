@@ -58,17 +58,16 @@ inline void StorePixel(uint8_t* at, __m128i pixel) {
 inline __m128i Load16(const uint8_t* at) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at)); }
 inline void Store16(uint8_t* at, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(at), v); }
 
-// dst = the pick of count rows of bytes (count of at least 1, bytes a
-// multiple of 4; dst may be one of the rows). With streaming set and dst on
-// a 16-byte boundary the blocks bypass the cache; the caller fences at the
-// end of its pass.
-template <class Pick>
-void PickRowSet(const uint8_t* const* rows, int32_t count, uint8_t* dst, size_t bytes, bool streaming) {
-    const bool stream = streaming && (reinterpret_cast<uintptr_t>(dst) & 15) == 0;
+// dst = the pick of Count rows of bytes, a multiple of 4. With stream set
+// the 16-byte blocks bypass the cache (dst on a 16-byte boundary).
+template <class Pick, int Count>
+void PickRowsFixed(const uint8_t* const* rows, uint8_t* dst, size_t bytes, bool stream) {
+    const uint8_t* row[Count];
+    for (int j = 0; j < Count; ++j) row[j] = rows[j];
     size_t i = 0;
     for (; i + 16 <= bytes; i += 16) {
-        __m128i acc = Load16(rows[0] + i);
-        for (int32_t j = 1; j < count; ++j) acc = Pick::Of(acc, Load16(rows[j] + i));
+        __m128i acc = Load16(row[0] + i);
+        for (int j = 1; j < Count; ++j) acc = Pick::Of(acc, Load16(row[j] + i));
         if (stream) {
             _mm_stream_si128(reinterpret_cast<__m128i*>(dst + i), acc);
         } else {
@@ -76,9 +75,40 @@ void PickRowSet(const uint8_t* const* rows, int32_t count, uint8_t* dst, size_t 
         }
     }
     for (; i < bytes; i += 4) {
-        __m128i acc = LoadPixel(rows[0] + i);
-        for (int32_t j = 1; j < count; ++j) acc = Pick::Of(acc, LoadPixel(rows[j] + i));
+        __m128i acc = LoadPixel(row[0] + i);
+        for (int j = 1; j < Count; ++j) acc = Pick::Of(acc, LoadPixel(row[j] + i));
         StorePixel(dst + i, acc);
+    }
+}
+
+// dst = the pick of count rows of bytes (count of at least 1; dst may be
+// one of the rows), up to eight rows a pass: each later pass takes the
+// destination as one of its rows. With streaming set and dst on a 16-byte
+// boundary the last pass bypasses the cache; the caller fences at the end
+// of its own pass.
+template <class Pick>
+void PickRowSet(const uint8_t* const* rows, int32_t count, uint8_t* dst, size_t bytes, bool streaming) {
+    using Pass = void (*)(const uint8_t* const*, uint8_t*, size_t, bool);
+    static constexpr Pass kPasses[9] = {
+        nullptr,
+        PickRowsFixed<Pick, 1>,
+        PickRowsFixed<Pick, 2>,
+        PickRowsFixed<Pick, 3>,
+        PickRowsFixed<Pick, 4>,
+        PickRowsFixed<Pick, 5>,
+        PickRowsFixed<Pick, 6>,
+        PickRowsFixed<Pick, 7>,
+        PickRowsFixed<Pick, 8>,
+    };
+    const bool aligned = (reinterpret_cast<uintptr_t>(dst) & 15) == 0;
+    const uint8_t* pass[8];
+    int32_t taken = 0;
+    for (bool last = false; !last;) {
+        int32_t n = 0;
+        if (taken > 0) pass[n++] = dst;
+        while (n < 8 && taken < count) pass[n++] = rows[taken++];
+        last = taken == count;
+        kPasses[n](pass, dst, bytes, last && streaming && aligned);
     }
 }
 
