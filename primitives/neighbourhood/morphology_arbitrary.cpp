@@ -15,22 +15,34 @@ namespace PRIM_BUILD {
 
 namespace {
 
+// The pick over the mask of one vector of outputs, or of one pixel: Load
+// reads 16 bytes or 4.
+template <class Pick, class Load>
+__m128i PickUnderMask(const uint8_t* window, int32_t srcStep, const uint8_t* selectTable, int32_t maskWidth,
+                      int32_t maskHeight, Load load) {
+    __m128i acc = _mm_set1_epi8(static_cast<char>(Pick::kLoser));
+    const __m128i* select = reinterpret_cast<const __m128i*>(selectTable);
+    for (int32_t j = 0; j < maskHeight; ++j, window += srcStep)
+        for (int32_t i = 0; i < maskWidth; ++i, ++select)
+            acc = Pick::Of(acc, Pick::Masked(load(window + 4 * i), _mm_load_si128(select)));
+    return acc;
+}
+
 // One row of outputs: window points at the top-left pixel of output 0's
-// window. Four vectors of outputs at a time, then one, then single pixels.
+// window. Four vectors of outputs at a time, sharing each selection entry,
+// then one vector, then single pixels.
 template <class Pick>
 void ownMorphRow_8u_C4S(const uint8_t* window, int32_t srcStep, uint8_t* dst, int32_t width,
                         const uint8_t* selectTable, int32_t maskWidth, int32_t maskHeight) {
     const __m128i loser = _mm_set1_epi8(static_cast<char>(Pick::kLoser));
-    auto select = [selectTable](int32_t element) {
-        return _mm_load_si128(reinterpret_cast<const __m128i*>(selectTable + 16 * static_cast<size_t>(element)));
-    };
     int32_t x = 0;
     for (; x + 16 <= width; x += 16) {
         __m128i a0 = loser, a1 = loser, a2 = loser, a3 = loser;
         const uint8_t* row = window + 4 * x;
-        for (int32_t j = 0, element = 0; j < maskHeight; ++j, row += srcStep)
-            for (int32_t i = 0; i < maskWidth; ++i, ++element) {
-                const __m128i keep = select(element);
+        const __m128i* select = reinterpret_cast<const __m128i*>(selectTable);
+        for (int32_t j = 0; j < maskHeight; ++j, row += srcStep)
+            for (int32_t i = 0; i < maskWidth; ++i, ++select) {
+                const __m128i keep = _mm_load_si128(select);
                 const uint8_t* at = row + 4 * i;
                 a0 = Pick::Of(a0, Pick::Masked(Load16(at), keep));
                 a1 = Pick::Of(a1, Pick::Masked(Load16(at + 16), keep));
@@ -43,22 +55,11 @@ void ownMorphRow_8u_C4S(const uint8_t* window, int32_t srcStep, uint8_t* dst, in
         Store16(out + 32, a2);
         Store16(out + 48, a3);
     }
-    for (; x + 4 <= width; x += 4) {
-        __m128i acc = loser;
-        const uint8_t* row = window + 4 * x;
-        for (int32_t j = 0, element = 0; j < maskHeight; ++j, row += srcStep)
-            for (int32_t i = 0; i < maskWidth; ++i, ++element)
-                acc = Pick::Of(acc, Pick::Masked(Load16(row + 4 * i), select(element)));
-        Store16(dst + 4 * x, acc);
-    }
-    for (; x < width; ++x) {
-        __m128i acc = loser;
-        const uint8_t* row = window + 4 * x;
-        for (int32_t j = 0, element = 0; j < maskHeight; ++j, row += srcStep)
-            for (int32_t i = 0; i < maskWidth; ++i, ++element)
-                acc = Pick::Of(acc, Pick::Masked(LoadPixel(row + 4 * i), select(element)));
-        StorePixel(dst + 4 * x, acc);
-    }
+    for (; x + 4 <= width; x += 4)
+        Store16(dst + 4 * x, PickUnderMask<Pick>(window + 4 * x, srcStep, selectTable, maskWidth, maskHeight, Load16));
+    for (; x < width; ++x)
+        StorePixel(dst + 4 * x,
+                   PickUnderMask<Pick>(window + 4 * x, srcStep, selectTable, maskWidth, maskHeight, LoadPixel));
 }
 
 struct ArbitraryJob {

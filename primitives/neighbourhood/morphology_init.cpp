@@ -198,18 +198,13 @@ void BuildState(uint8_t* block, int32_t totalSize, const MaskAnalysis& a, int32_
             state.anchorX = state.anchorY = 0;
             break;
         case MaskRectangle:
-            state.maskWidth = a.width;
-            state.maskHeight = a.height;
-            state.anchorX = a.anchorX;
-            state.anchorY = a.anchorY;
-            state.workBuffer = behindMask;
-            break;
         case MaskEllipse:
             state.maskWidth = a.width;
             state.maskHeight = a.height;
             state.anchorX = a.anchorX;
             state.anchorY = a.anchorY;
-            state.workBuffer = AlignUp(PlaceEllipse(behindMask, a, state), 32);
+            state.workBuffer =
+                a.kind == MaskRectangle ? behindMask : AlignUp(PlaceEllipse(behindMask, a, state), 32);
             break;
         default:
             state.erodeTable = behindMask;

@@ -113,30 +113,6 @@ TEST_P(FilterMinMax, EveryRowAndColumnPath) {
     for (const Case& c : cases) Check(c, ++seed);
 }
 
-// A 1x1 mask copies every byte, the fourth too; a mask covering the whole
-// image gives every pixel the image's pick.
-TEST_P(FilterMinMax, OneByOneCopiesAndAWholeImageMaskFlattens) {
-    ImageUnderTest src(13, 7, 4, 1, 3), dst(13, 7, 0, 0, 4);
-    std::vector<uint8_t> buffer(4096);
-    ASSERT_EQ(primiFilterMaxBorderReplicate_8u_C4R(src.data(), src.step, dst.data(), dst.step, src.size, {1, 1},
-                                                   {0, 0}, buffer.data()),
-              PrimOk);
-    for (int y = 0; y < 7; ++y)
-        for (int x = 0; x < 13; ++x)
-            for (int c = 0; c < 4; ++c) ASSERT_EQ(dst.at(x, y, c), src.at(x, y, c));
-
-    ASSERT_EQ(primiFilterMinBorderReplicate_8u_C4R(src.data(), src.step, dst.data(), dst.step, src.size, {25, 13},
-                                                   {12, 6}, buffer.data()),
-              PrimOk);
-    for (int c = 0; c < 4; ++c) {
-        uint8_t least = 255;
-        for (int y = 0; y < 7; ++y)
-            for (int x = 0; x < 13; ++x) least = std::min(least, src.at(x, y, c));
-        for (int y = 0; y < 7; ++y)
-            for (int x = 0; x < 13; ++x) ASSERT_EQ(dst.at(x, y, c), least);
-    }
-}
-
 TEST_P(FilterMinMax, BufferSizeAndItsChecks) {
     for (auto size : {primiFilterMinGetBufferSize_8u_C4R, primiFilterMaxGetBufferSize_8u_C4R}) {
         int32_t bytes = -1;

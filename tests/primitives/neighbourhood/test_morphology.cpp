@@ -198,20 +198,6 @@ TEST_P(Morphology, MasksSortIntoKinds) {
         EXPECT_EQ(state->maxWidth, 9);
         primiMorphologyFree(state);
     }
-
-    // The plus: two distinct widths, the wide row at the anchor's height.
-    MorphologyState* plus = Analysed(expectations[4].mask, 9);
-    ASSERT_EQ(plus->maskKind, MaskEllipse);
-    const MorphologyEllipse& e = *plus->ellipse;
-    EXPECT_EQ(e.rowCount, 5);
-    ASSERT_EQ(e.runCount, 2);
-    EXPECT_EQ(e.runWidth[0], 5);
-    EXPECT_EQ(e.runWidth[1], 1);
-    EXPECT_EQ(e.runAnchor[0], 2);
-    EXPECT_EQ(e.runAnchor[1], 0);
-    EXPECT_EQ(e.rowRun[2], 0);
-    EXPECT_EQ(e.rowRun[0], 1);
-    primiMorphologyFree(plus);
 }
 
 // Pointer, sizes, anchor; the result place is tested only after the
