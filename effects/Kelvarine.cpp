@@ -12,8 +12,10 @@
 #include "effects/ColorMask.h"
 #include "effects/Contrast.h"
 #include "effects/EdgeDetect.h"
+#include "effects/Dilate.h"
 #include "effects/Effect_Base.h"
 #include "effects/Emboss.h"
+#include "effects/Erode.h"
 #include "effects/FilmColor.h"
 #include "effects/FilmMono.h"
 #include "effects/Gamma.h"
@@ -22,6 +24,8 @@
 #include "effects/Guess.h"
 #include "effects/Linear.h"
 #include "effects/Lowpass.h"
+#include "effects/MaxFilter.h"
+#include "effects/MinFilter.h"
 #include "effects/OldFilm.h"
 #include "effects/Rand.h"
 #include "effects/Remap.h"
@@ -69,9 +73,9 @@ constexpr uint64_t kPresetRows = 0x7F7FC760000ull;
 const EffectListEntry EffectList[] = {
     {"Box", 1001, 6, Box::CreateInstance, nullptr},
     {"Canny", 1002, 6, Canny::CreateInstance, nullptr},
-    {"Min Filter", 1003, 6, nullptr, nullptr},
-    {"Dilate", 1006, 6, nullptr, nullptr},
-    {"Erode", 1007, 6, nullptr, nullptr},
+    {"Min Filter", 1003, 6, MinFilter::CreateInstance, nullptr},
+    {"Dilate", 1006, 6, Dilate::CreateInstance, nullptr},
+    {"Erode", 1007, 6, Erode::CreateInstance, nullptr},
     {"Edge Detect", 1008, 6, EdgeDetect::CreateInstance, nullptr},
     {"Film Mono", 1010, 6, FilmMono::CreateInstance, nullptr},
     {"Guess", 1011, 6, Guess::CreateInstance, nullptr},
@@ -99,7 +103,7 @@ const EffectListEntry EffectList[] = {
     {"Whirl", 1053, 6, CRemap::CreateInstance, &Whirl_default},
     {"Shear", 1054, 6, nullptr, &Shear_default},
     {"Rand", 1055, 6, CRand::CreateInstance, &Rand_default},
-    {"Max Filter", 1056, 6, nullptr, &MaxFilter_default},
+    {"Max Filter", 1056, 6, CMaxFilter::CreateInstance, &MaxFilter_default},
     {"Median", 1057, 6, CMedian::CreateInstance, &Median_default},
     {"Wiener", 1058, 6, CWiener::CreateInstance, &Wiener_default},
     {"Film Color", 1059, 6, CFilmColor::CreateInstance, nullptr},

@@ -107,3 +107,24 @@ PRIM_ENTRY(PrimStatus, primiFilterHipass_8u_AC4R,
            (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize, int32_t mask))
 PRIM_ENTRY(PrimStatus, primiFilterLowpass_8u_AC4R,
            (const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst, int32_t dstStep, PrimSize roiSize, int32_t mask))
+
+/* Min and max filters */
+PRIM_ENTRY(PrimStatus, primiFilterMinGetBufferSize_8u_C4R, (int32_t roiWidth, PrimSize maskSize, int32_t* bufferSize))
+PRIM_ENTRY(PrimStatus, primiFilterMaxGetBufferSize_8u_C4R, (int32_t roiWidth, PrimSize maskSize, int32_t* bufferSize))
+PRIM_ENTRY(PrimStatus, primiFilterMinBorderReplicate_8u_C4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize roiSize, PrimSize maskSize,
+            PrimPoint anchor, uint8_t* buffer))
+PRIM_ENTRY(PrimStatus, primiFilterMaxBorderReplicate_8u_C4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize roiSize, PrimSize maskSize,
+            PrimPoint anchor, uint8_t* buffer))
+
+/* Morphology */
+PRIM_ENTRY(PrimStatus, primiMorphologyInitAlloc_8u_C4R,
+           (int32_t roiWidth, const uint8_t* mask, PrimSize maskSize, PrimPoint anchor, MorphologyState** state))
+PRIM_ENTRY(PrimStatus, primiMorphologyFree, (MorphologyState* state))
+PRIM_ENTRY(PrimStatus, primiDilateBorderReplicate_8u_C4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize roiSize, int32_t borderType,
+            MorphologyState* state))
+PRIM_ENTRY(PrimStatus, primiErodeBorderReplicate_8u_C4R,
+           (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize roiSize, int32_t borderType,
+            MorphologyState* state))

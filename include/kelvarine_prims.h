@@ -100,6 +100,10 @@ enum {
 };
 #define InterpSmoothEdge ((int32_t)0x80000000u)
 
+/* The record that primiMorphologyInitAlloc_8u_C4R builds: a mask analysed
+ * for dilation and erosion, with its working memory. Opaque to callers. */
+typedef struct MorphologyState MorphologyState;
+
 /* Dither methods of primiReduceBits_8u_AC4R. */
 typedef enum PrimDitherType {
     DitherNone = 0,
