@@ -37,3 +37,11 @@ PRIM_ENTRY(PrimStatus, primiCopyReplicateBorder_8u_AC4R,
            (const uint8_t* src, int32_t srcStep, PrimSize srcSize, uint8_t* dst, int32_t dstStep,
             PrimSize dstSize, int32_t top, int32_t left))
 PRIM_ENTRY(PrimStatus, primiMirror_8u_AC4IR, (uint8_t* image, int32_t step, PrimSize size, int32_t axis))
+
+/* Affine warps */
+PRIM_ENTRY(PrimStatus, primiRotateCenter_8u_AC4R,
+           (const uint8_t* src, PrimSize srcSize, int32_t srcStep, PrimRect srcRoi, uint8_t* dst, int32_t dstStep,
+            PrimRect dstRoi, double angle, double xCenter, double yCenter, int32_t interpolation))
+PRIM_ENTRY(PrimStatus, primiShear_8u_AC4R,
+           (const uint8_t* src, PrimSize srcSize, int32_t srcStep, PrimRect srcRoi, uint8_t* dst, int32_t dstStep,
+            PrimRect dstRoi, double xShear, double yShear, double xShift, double yShift, int32_t interpolation))

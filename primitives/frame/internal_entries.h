@@ -47,3 +47,8 @@ PRIM_INTERNAL(PrimStatus, primsMinEvery_8u_I, (const uint8_t* src, uint8_t* srcD
 PRIM_INTERNAL(PrimStatus, primiSub_8u_AC4RSfs,
               (const uint8_t* src1, int32_t src1Step, const uint8_t* src2, int32_t src2Step, uint8_t* dst,
                int32_t dstStep, PrimSize size, int32_t scaleFactor))
+
+/* Affine warps */
+PRIM_INTERNAL(PrimStatus, primiGetRotateShift,
+              (double xCenter, double yCenter, double angle, double* xShift, double* yShift))
+PRIM_INTERNAL(PrimStatus, primiGetAffineQuad, (PrimRect srcRoi, double quad[4][2], const double coeffs[2][3]))
