@@ -254,6 +254,15 @@ TEST_P(WarpKernels, SpanEndsWithinRoundingOfAColumn) {
     EXPECT_EQ(columns(4.999999999999), 3);
 }
 
+// A full 1080p frame turned by 60 degrees about its centre pixel, as the
+// effect does: positions summed along rows of up to 1920 pixels and down
+// 1080 rows.
+TEST_P(WarpKernels, FullFrameRotation) {
+    WarpCase frame = {{1920, 1080}, {0, 0, 1920, 1080}, {1920, 1080}, {0, 0, 1920, 1080}, 0, 0, true,
+                      60.0,         960.0,              540.0,        0.0};
+    EXPECT_GT(CheckWarp(frame, InterpLinear, 90), 1000000);
+}
+
 // A quad that covers the whole destination rectangle fills it, and has no
 // slanted edge left to soften; a quad with a horizontal top and bottom edge
 // spans its rows from the slanted sides alone.
