@@ -11,12 +11,12 @@ constexpr double kTapNudge = 1e-7;
 
 }  // namespace
 
-// A row's positions go into the scratch as floats, all x then all y, and
+// A piece of a row's positions go into the scratch as floats, all x then all y, and
 // the fixed-point cubic row samples them with bounds one pixel beyond the
 // source on every side, so that it rejects none.
 void ownpi_WarpAffine_C_8u_AC4(const WarpJob& job) {
     float* xs = reinterpret_cast<float*>(job.scratch);
-    ForEachSpan(job, [&job, xs](uint8_t* out, int32_t count, double x, double y) {
+    ForEachSpan(job, 0.0, [&job, xs](uint8_t* out, int32_t count, double& x, double& y) {
         float* ys = xs + count;
         for (int32_t i = 0; i < count; ++i) {
             xs[i] = static_cast<float>(x);
@@ -33,7 +33,7 @@ void ownpi_WarpAffine_C_8u_AC4(const WarpJob& job) {
 // trunc(position + 1e-7); within a pixel of the border the taps are clamped.
 void ownpi_WarpAffine_CR_8u_AC4(const WarpJob& job) {
     const int32_t width = job.srcLastX + 1, height = job.srcLastY + 1;
-    ForEachSpan(job, [&job, width, height](uint8_t* out, int32_t count, double x, double y) {
+    ForEachSpan(job, 0.0, [&job, width, height](uint8_t* out, int32_t count, double& x, double& y) {
         for (int32_t i = 0; i < count; ++i, out += 4) {
             const int32_t ix = static_cast<int32_t>(x + kTapNudge), iy = static_cast<int32_t>(y + kTapNudge);
             const double tx = x - ix, ty = y - iy;

@@ -203,7 +203,7 @@ TEST_P(WarpKernels, CatmullRomOnRandomShearsAndRotations) { CheckRandomCases(Int
 // is still too small.
 TEST_P(WarpKernels, SmallSourcesStepTheKernelDown) {
     WarpCase w = {{3, 5}, {0, 0, 3, 5}, {12, 12}, {0, 0, 12, 12}, 0, 0, false, 0.2, -0.1, 2.3, 3.1};
-    for (int32_t mode : {int32_t(InterpCubic), int32_t(InterpLinear)}) {
+    for (int32_t mode : {InterpCubic, InterpLinear}) {
         ImageUnderTest src(3, 5, 0, 0, 9), asCubic(12, 12, 0, 0, 10);
         ImageUnderTest asLinear = asCubic;
         ASSERT_EQ(RunWarp(w, src, asCubic, mode), PrimOk);
@@ -224,7 +224,8 @@ TEST_P(WarpKernels, SmallSourcesStepTheKernelDown) {
 // with every kernel: integer positions return the exact sample, on the last
 // column and row too.
 TEST_P(WarpKernels, WholeShiftCopiesExactly) {
-    for (int32_t mode : {int32_t(InterpNearest), int32_t(InterpLinear), int32_t(InterpCubic), int32_t(InterpCatmullRom), kSmoothLinear}) {
+    const int32_t modes[] = {InterpNearest, InterpLinear, InterpCubic, InterpCatmullRom, kSmoothLinear};
+    for (int32_t mode : modes) {
         ImageUnderTest src(9, 7, 4, 1, 20), dst(16, 12, 0, 3, 21);
         ImageUnderTest before = dst;
         ASSERT_EQ(primiShear_8u_AC4R(src.data(), src.size, src.step, {1, 2, 20, 20}, dst.data(), dst.step,
