@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -116,38 +115,6 @@ TEST(RotateEffect, NoTurnLeavesTheFrame) {
         EXPECT_EQ(frame, before) << word;
     }
     Kelvarine_Destory(rotate);
-}
-
-size_t gBufferBytes = 0;
-int gBufferMallocs = 0;
-void* CountingMalloc(size_t n) {
-    gBufferMallocs += n == gBufferBytes + 40;
-    return std::malloc(n);
-}
-
-// The buffer is made for a frame size and kept while the size stays; each
-// instance keeps its own.
-TEST(RotateEffect, KeepsItsBufferWhileTheSizeStays) {
-    i_malloc = CountingMalloc;
-    Effect_Base* first = Kelvarine_NewInstance(1018);
-    Effect_Base* second = Kelvarine_NewInstance(1018);
-    Bytes small = kvtest::RandomBytes(6 * 4 * 4, 1), large = kvtest::RandomBytes(9 * 7 * 4, 2);
-    gBufferBytes = small.size();
-    Kelvarine_Proc(first, small.data(), 6, 4);
-    Kelvarine_Proc(first, small.data(), 6, 4);
-    Kelvarine_Proc(second, small.data(), 6, 4);
-    EXPECT_EQ(gBufferMallocs, 2);
-    gBufferBytes = large.size();
-    gBufferMallocs = 0;
-    Kelvarine_Proc(first, large.data(), 9, 7);
-    Kelvarine_Proc(second, small.data(), 6, 4);
-    EXPECT_EQ(gBufferMallocs, 1);
-    const Bytes expected = QuarterTurned(large, 9, 7, 90);
-    Kelvarine_Proc(first, large.data(), 9, 7);
-    EXPECT_EQ(large, expected);
-    Kelvarine_Destory(first);
-    Kelvarine_Destory(second);
-    i_malloc = std::malloc;
 }
 
 TEST(RotateEffect, RefusesNullFramesAndEmptySizes) {

@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <vector>
 
-#include "effects/Shear.h"
 #include "kelvarine_prims.h"
 #include "test_support.h"
 
@@ -113,25 +112,6 @@ TEST(ShearEffect, InstancesShareTheRecordedSize) {
     Kelvarine_Destory(a);
     Kelvarine_Destory(b);
     i_malloc = std::malloc;
-}
-
-// OnParameterChanged is virtual and turns the stored percentages into the
-// shears that the next frame uses.
-TEST(ShearEffect, SetArgsGoesThroughOnParameterChanged) {
-    struct Counting : CShear {
-        int changes = 0;
-        void OnParameterChanged() override {
-            ++changes;
-            CShear::OnParameterChanged();
-        }
-    } shear;
-    EffectArgs args = {{20, 30}};
-    shear.SetArgs(&args);
-    EXPECT_EQ(shear.changes, 1);
-    Bytes frame = kvtest::RandomBytes(9 * 7 * 4, 4);
-    const Bytes expected = Sheared(frame, 9, 7, 0.2, 0.3);
-    shear.Proc(frame.data(), 9, 7);
-    EXPECT_EQ(frame, expected);
 }
 
 }  // namespace
