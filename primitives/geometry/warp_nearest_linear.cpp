@@ -35,29 +35,21 @@ inline __m128i LoadCellRows(const uint8_t* first, const uint8_t* second) {
     return _mm_castpd_si128(_mm_loadh_pd(low, reinterpret_cast<const double*>(second)));
 }
 
-// Four pixels of 4 bytes regrouped by byte: all first bytes, then all
-// second bytes, and so on.
-inline __m128i BytesByChannel(__m128i v) {
-#ifdef __SSSE3__
-    return _mm_shuffle_epi8(v, _mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
-#else
-    const __m128i halves = _mm_unpacklo_epi8(v, _mm_srli_si128(v, 8));
-    return _mm_unpacklo_epi8(halves, _mm_srli_si128(halves, 8));
-#endif
-}
-
-// One row of four cells, the left and right pixel of cells 0 and 1 in
-// pair01 and of cells 2 and 3 in pair23, as the 16-bit pairs (left, right)
-// of the four cells for each colour channel.
+// One row of four cells as the 16-bit pairs (left, right) of the four cells
+// for each colour channel, from the cells' left and right pixels: cells 0
+// and 1 in pair01, cells 2 and 3 in pair23. Interleaving bytes three times
+// over sorts them by tap, by channel and by cell.
 struct ChannelPairs {
     __m128i blue, green, red;
 };
 
 inline ChannelPairs PairsByChannel(__m128i pair01, __m128i pair23) {
     const __m128i zero = _mm_setzero_si128();
-    const __m128i a = BytesByChannel(pair01), b = BytesByChannel(pair23);
-    const __m128i blueGreen = _mm_unpacklo_epi32(a, b), red = _mm_unpackhi_epi32(a, b);
-    return {_mm_unpacklo_epi8(blueGreen, zero), _mm_unpackhi_epi8(blueGreen, zero), _mm_unpacklo_epi8(red, zero)};
+    const __m128i cells02 = _mm_unpacklo_epi8(pair01, pair23), cells13 = _mm_unpackhi_epi8(pair01, pair23);
+    const __m128i left = _mm_unpacklo_epi8(cells02, cells13), right = _mm_unpackhi_epi8(cells02, cells13);
+    const __m128i blueGreen = _mm_unpacklo_epi8(left, right), redAlpha = _mm_unpackhi_epi8(left, right);
+    return {_mm_unpacklo_epi8(blueGreen, zero), _mm_unpackhi_epi8(blueGreen, zero),
+            _mm_unpacklo_epi8(redAlpha, zero)};
 }
 
 // First stage: a row of each cell blended across, shifted down by 8.
