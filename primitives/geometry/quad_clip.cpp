@@ -189,6 +189,9 @@ int ownpi_ClipQuad(const Quad quad, PrimPoint min, PrimPoint max, int orientatio
     int count = 4;
     ownpi_ClipPolygon(points, work, &count, min.x, min.y, max.x, max.y);
     if (count <= 0) return 0;
+    // A transform of infinities or NaNs leaves no pixel it could draw.
+    for (int i = 0; i < count; ++i)
+        if (!std::isfinite(points[i].x) || !std::isfinite(points[i].y)) return 0;
 
     const Extremes e = FindExtremes(points, count);
     *top = static_cast<int32_t>(ceil(e.minY));

@@ -34,6 +34,12 @@ bool IsSingular(const double c[2][3]) {
     return fabs(q) <= 1e-10;
 }
 
+// The last column or row of a rectangle, held within 32 bits.
+int32_t LastOf(int32_t origin, int32_t length) {
+    const int64_t last = int64_t{origin} + length - 1;
+    return last > INT32_MAX ? INT32_MAX : static_cast<int32_t>(last);
+}
+
 bool IsWarpInterpolation(int32_t mode) {
     return mode == InterpNearest || mode == InterpLinear || mode == InterpCubic || mode == InterpCatmullRom;
 }
@@ -92,7 +98,7 @@ PrimStatus ownpi_WarpAffine(const uint8_t* src, PrimSize srcSize, int32_t srcSte
     const SamplingTransform t = SamplingFromQuad(quad, srcRoi, &orientation);
 
     const PrimPoint dstMin = {dstRoi.x, dstRoi.y};
-    const PrimPoint dstMax = {dstRoi.x + dstRoi.width - 1, dstRoi.y + dstRoi.height - 1};
+    const PrimPoint dstMax = {LastOf(dstRoi.x, dstRoi.width), LastOf(dstRoi.y, dstRoi.height)};
     int32_t* spans;
     int32_t top, bottom;
     if (!ownpi_ClipQuad(quad, dstMin, dstMax, orientation, &spans, &top, &bottom)) return PrimNoResultWrn;
@@ -114,8 +120,8 @@ using namespace PRIM_BUILD;
 
 extern "C" PrimStatus PRIM(primiGetAffineQuad)(PrimRect srcRoi, double quad[4][2], const double coeffs[2][3]) {
     if (srcRoi.x < 0 || srcRoi.y < 0 || srcRoi.width < 1 || srcRoi.height < 1) return PrimSizeErr;
-    ownpi_WarpAffineRect(coeffs, {srcRoi.x, srcRoi.y}, {srcRoi.x + srcRoi.width - 1, srcRoi.y + srcRoi.height - 1},
-                         quad);
+    const PrimPoint last = {LastOf(srcRoi.x, srcRoi.width), LastOf(srcRoi.y, srcRoi.height)};
+    ownpi_WarpAffineRect(coeffs, {srcRoi.x, srcRoi.y}, last, quad);
     const int check = ownpi_CheckQuad(quad);
     return check == PrimQuadNotConvex || check == PrimQuadDegenerate ? PrimCoeffErr : PrimOk;
 }

@@ -384,6 +384,13 @@ TEST_P(WarpArguments, MissedDestinationIsNoResult) {
         EXPECT_EQ(primiShear_8u_AC4R(src.data(), src.size, src.step, {0, 0, 8, 6}, dst.data(), dst.step, dstRoi, 0.2,
                                      0.2, 0.0, 0.0, kSmoothLinear),
                   PrimNoResultWrn);
+    // Nor does a turn by NaN degrees or a shift to infinity draw anything.
+    EXPECT_EQ(primiRotateCenter_8u_AC4R(src.data(), src.size, src.step, {0, 0, 8, 6}, dst.data(), dst.step,
+                                        {0, 0, 20, 20}, std::nan(""), 3.0, 3.0, kSmoothLinear),
+              PrimNoResultWrn);
+    EXPECT_EQ(primiShear_8u_AC4R(src.data(), src.size, src.step, {0, 0, 8, 6}, dst.data(), dst.step, {0, 0, 20, 20},
+                                 0.0, 0.0, INFINITY, 0.0, kSmoothLinear),
+              PrimNoResultWrn);
     // The quad ends at x = 7.4, short of the rectangle's first column.
     EXPECT_EQ(primiShear_8u_AC4R(src.data(), src.size, src.step, {0, 0, 8, 6}, dst.data(), dst.step,
                                  {8, 0, 12, 20}, 0.0, 0.0, 0.4, 0.0, kSmoothLinear),
