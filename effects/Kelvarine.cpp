@@ -31,6 +31,9 @@
 #include "effects/Remap.h"
 #include "effects/Saturation.h"
 #include "effects/Wiener.h"
+#include "effects/Mirror.h"
+#include "effects/Rotate.h"
+#include "effects/Shear.h"
 
 namespace {
 
@@ -87,13 +90,13 @@ const EffectListEntry EffectList[] = {
     {"Color Emphase", 1004, 0, ColorEmphase::CreateInstance, nullptr},
     {"Brightness", 1013, 0, Brightness::CreateInstance, nullptr},
     {"Gamma", 1009, 0, Gamma::CreateInstance, nullptr},
-    {"Mirror Vertical", 1015, 0, nullptr, nullptr},
-    {"Mirror Horizontal", 1014, 0, nullptr, &V_Mirror_default},
-    {"Mirror Both", 1016, 0, nullptr, &VH_Mirror_default},
-    {"Rotate 60", 1017, 0, nullptr, nullptr},
-    {"Rotate 90", 1018, 0, nullptr, &st_Rotate_90},
-    {"Rotate 180", 1019, 0, nullptr, &st_Rotate_180},
-    {"Rotate 270", 1020, 0, nullptr, &st_Rotate_270},
+    {"Mirror Vertical", 1015, 0, Mirror::CreateInstance, nullptr},
+    {"Mirror Horizontal", 1014, 0, Mirror::CreateInstance, &V_Mirror_default},
+    {"Mirror Both", 1016, 0, Mirror::CreateInstance, &VH_Mirror_default},
+    {"Rotate 60", 1017, 0, Rotate::CreateInstance, nullptr},
+    {"Rotate 90", 1018, 0, Rotate::CreateInstance, &st_Rotate_90},
+    {"Rotate 180", 1019, 0, Rotate::CreateInstance, &st_Rotate_180},
+    {"Rotate 270", 1020, 0, Rotate::CreateInstance, &st_Rotate_270},
     {"Contrast", 1031, 0, Contrast::CreateInstance, nullptr},
     {"Saturation", 1033, 0, Saturation::CreateInstance, nullptr},
     {"BrightnessAndContrastAndSaturation", 1040, 0, BrightnessAndContrastAndSaturation::CreateInstance, nullptr},
@@ -101,7 +104,7 @@ const EffectListEntry EffectList[] = {
     {"Faceted", 1051, 6, CRemap::CreateInstance, &Faceted_default},
     {"Eye", 1052, 6, CRemap::CreateInstance, &Eye_default},
     {"Whirl", 1053, 6, CRemap::CreateInstance, &Whirl_default},
-    {"Shear", 1054, 6, nullptr, &Shear_default},
+    {"Shear", 1054, 6, CShear::CreateInstance, &Shear_default},
     {"Rand", 1055, 6, CRand::CreateInstance, &Rand_default},
     {"Max Filter", 1056, 6, CMaxFilter::CreateInstance, &MaxFilter_default},
     {"Median", 1057, 6, CMedian::CreateInstance, &Median_default},

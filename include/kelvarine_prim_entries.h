@@ -128,3 +128,11 @@ PRIM_ENTRY(PrimStatus, primiDilateBorderReplicate_8u_C4R,
 PRIM_ENTRY(PrimStatus, primiErodeBorderReplicate_8u_C4R,
            (const uint8_t* src, int32_t srcStep, uint8_t* dst, int32_t dstStep, PrimSize roiSize, int32_t borderType,
             MorphologyState* state))
+
+/* Affine warps */
+PRIM_ENTRY(PrimStatus, primiRotateCenter_8u_AC4R,
+           (const uint8_t* src, PrimSize srcSize, int32_t srcStep, PrimRect srcRoi, uint8_t* dst, int32_t dstStep,
+            PrimRect dstRoi, double angle, double xCenter, double yCenter, int32_t interpolation))
+PRIM_ENTRY(PrimStatus, primiShear_8u_AC4R,
+           (const uint8_t* src, PrimSize srcSize, int32_t srcStep, PrimRect srcRoi, uint8_t* dst, int32_t dstStep,
+            PrimRect dstRoi, double xShear, double yShear, double xShift, double yShift, int32_t interpolation))

@@ -59,3 +59,8 @@ PRIM_INTERNAL(PrimStatus, primiSum_32f_AC4R,
               (const float* image, int32_t step, PrimSize size, double sum[3], int32_t hint))
 PRIM_INTERNAL(PrimStatus, primiMean_32f_AC4R,
               (const float* image, int32_t step, PrimSize size, double mean[3], int32_t hint))
+
+/* Affine warps */
+PRIM_INTERNAL(PrimStatus, primiGetRotateShift,
+              (double xCenter, double yCenter, double angle, double* xShift, double* yShift))
+PRIM_INTERNAL(PrimStatus, primiGetAffineQuad, (PrimRect srcRoi, double quad[4][2], const double coeffs[2][3]))

@@ -62,6 +62,9 @@ inline __m128i LoadUnaligned(const uint8_t* at) { return _mm_loadu_si128(reinter
 inline void StoreUnaligned(uint8_t* at, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(at), v); }
 inline __m128i Broadcast(uint32_t word) { return _mm_set1_epi32(static_cast<int>(word)); }
 
+// Four pixels in reverse order.
+inline __m128i ReversePixels(__m128i v) { return _mm_shuffle_epi32(v, _MM_SHUFFLE(0, 1, 2, 3)); }
+
 struct PlainStores {
     static void Prepare(const uint8_t*, size_t) {}
     static void WriteUnaligned(uint8_t* at, __m128i v, __m128i) { StoreUnaligned(at, v); }

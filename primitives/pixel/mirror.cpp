@@ -10,9 +10,6 @@ constexpr int32_t kFlipTopBottom = 0;
 constexpr int32_t kFlipLeftRight = 1;
 constexpr int32_t kFlipBoth = 2;
 
-// Four pixels in reverse order.
-inline __m128i ReversePixels(__m128i v) { return _mm_shuffle_epi32(v, _MM_SHUFFLE(0, 1, 2, 3)); }
-
 inline void SwapColour(uint8_t* a, uint8_t* b) {
     for (int c = 0; c < 3; ++c) {
         uint8_t t = a[c];
