@@ -92,4 +92,8 @@ TEST(Exports, DynamicSymbolTableHoldsExactlyTheInterface) {
     EXPECT_TRUE(exported.count("_ZN4Gray14CreateInstanceEv"));
 }
 
+extern "C" int kv_c_host_runs_gray(void);
+
+TEST(Exports, HeadersServeACHost) { EXPECT_TRUE(kv_c_host_runs_gray()); }
+
 }  // namespace
