@@ -213,12 +213,14 @@ TEST(ColourEffects, DefaultsActAsTheirWords) {
         EXPECT_EQ(Processed(d.id, {}, frame, 17, 5), Processed(d.id, d.words, frame, 17, 5)) << d.id;
 }
 
-// Film Color has no guard, but leaves an empty size alone.
-TEST(ColourEffects, FilmColorPassesOverEmptySizes) {
-    Effect_Base* film = Kelvarine_NewInstance(1059);
-    EXPECT_EQ(film->Proc(nullptr, 0, 8), 0);
-    EXPECT_EQ(film->Proc(nullptr, 5, -1), 0);
-    Kelvarine_Destory(film);
+// Film Color and the masks have no guard, but leave an empty size alone.
+TEST(ColourEffects, FilmColorAndMasksPassOverEmptySizes) {
+    for (int32_t id : {1059, 1063}) {
+        Effect_Base* effect = Kelvarine_NewInstance(id);
+        EXPECT_EQ(effect->Proc(nullptr, 0, 8), 0);
+        EXPECT_EQ(effect->Proc(nullptr, 5, -1), 0);
+        Kelvarine_Destory(effect);
+    }
 }
 
 int gMallocs = 0, gFrees = 0;
