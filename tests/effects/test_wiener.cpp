@@ -152,12 +152,10 @@ TEST(WienerEffect, InstancesShareTheRecordedSizeAndNoise) {
 // refuse it, and Proc still returns 0.
 TEST(WienerEffect, RefusedFramesReturnZeroWithoutHarm) {
     Effect_Base* effect = Wiener(5, 0, 0, 0);
+    const Bytes frame = kvtest::RandomBytes(5 * 4, 50);
     EXPECT_EQ(effect->Proc(nullptr, 8, 8), 0);
-    Bytes frame = kvtest::RandomBytes(5 * 4, 50);
-    const Bytes before = frame;
-    EXPECT_EQ(effect->Proc(frame.data(), 0, 5), 0);
-    EXPECT_EQ(effect->Proc(frame.data(), 5, -1), 0);
-    EXPECT_EQ(frame, before);
+    EXPECT_EQ(Processed(effect, frame, 0, 5), frame);
+    EXPECT_EQ(Processed(effect, frame, 5, -1), frame);
     Kelvarine_Destory(effect);
 }
 

@@ -5,6 +5,7 @@
 
 #include <climits>
 #include <cstdint>
+#include <tuple>
 #include <vector>
 
 #include "kelvarine_prims.h"
@@ -51,21 +52,10 @@ uint64_t ExpectedFeatureWord() {
         {0x4000, r.ecx, 29},
     };
     uint64_t word = 0;
-    for (const auto& s : sources) {
-        if (Bit(s.word, s.bit)) word |= s.feature;
-    }
+    for (const auto& s : sources) word |= Bit(s.word, s.bit) ? s.feature : 0;
     if (AvxUsable()) word |= 0x200;
     if (((r.eax >> 8) & 0xF) == 11 && Bit(Cpuid(0x20000001).edx, 1)) word |= 0x1000;
     return word;
-}
-
-// ebxMask leaves out what may change from one read to the next, such as
-// the APIC id of the logical processor that the thread happens to run on.
-void ExpectSameRegisters(const uint32_t got[4], Registers want, uint32_t ebxMask = ~0u) {
-    EXPECT_EQ(got[0], want.eax);
-    EXPECT_EQ(got[1] & ebxMask, want.ebx & ebxMask);
-    EXPECT_EQ(got[2], want.ecx);
-    EXPECT_EQ(got[3], want.edx);
 }
 
 // Every test leaves the library as it was at load: index 0, mask 7.
@@ -77,14 +67,8 @@ protected:
         ownFeaturesMask = 7;
     }
 
-    struct Choice {
-        int32_t index;
-        int32_t lowPower;
-        uint64_t mask;
-        bool operator==(const Choice& o) const {
-            return index == o.index && lowPower == o.lowPower && mask == o.mask;
-        }
-    };
+    // Jump index, low-power index and enabled features.
+    using Choice = std::tuple<int32_t, int32_t, uint64_t>;
     static Choice Current() { return {primJumpIndex, primJumpIndexLP, primGetEnabledCpuFeatures()}; }
 };
 
@@ -103,49 +87,36 @@ TEST_F(Cpu, CodeTableSetsIndexAndMask) {
         primJumpIndexLP = 0;
         ownFeaturesMask = 7;
         EXPECT_EQ(primInitCpu(row.code), PrimOk) << row.code;
-        EXPECT_TRUE(Current() == row.choice) << row.code;
+        EXPECT_EQ(Current(), row.choice) << row.code;
     }
 }
 
 TEST_F(Cpu, CodesOutsideTheTableChangeNothing) {
     ASSERT_EQ(primStaticInitCpu(36), PrimOk);
     const Choice before = Current();
-    for (int32_t code : {1, 5, 11, 64, 65, 96}) {
-        EXPECT_EQ(primStaticInitCpu(code), PrimCpuOldWrn) << code;
-        EXPECT_TRUE(Current() == before) << code;
-    }
-    for (int32_t code : {12, 31, 39, 63, 70, 72, 95, 97, 255, -2, INT_MIN, INT_MAX}) {
-        EXPECT_EQ(primStaticInitCpu(code), PrimCpuCodeWrn) << code;
-        EXPECT_TRUE(Current() == before) << code;
-    }
+    const std::pair<PrimStatus, std::vector<int32_t>> groups[] = {
+        {PrimCpuOldWrn, {1, 5, 11, 64, 65, 96}},
+        {PrimCpuCodeWrn, {12, 31, 39, 63, 70, 72, 95, 97, 255, -2, INT_MIN, INT_MAX}}};
+    for (const auto& [warning, codes] : groups)
+        for (int32_t code : codes) {
+            EXPECT_EQ(primStaticInitCpu(code), warning) << code;
+            EXPECT_EQ(Current(), before) << code;
+        }
 }
 
-TEST_F(Cpu, MinusOneDetectsAsPrimInit) {
-    PrimStatus viaCode = primStaticInitCpu(-1);
-    Choice chosenByCode = Current();
-    TearDown();
-    EXPECT_EQ(primInit(), viaCode);
-    EXPECT_TRUE(Current() == chosenByCode);
-}
-
+// Code -1 detects, as primInit and primStaticInit do.
 TEST_F(Cpu, StaticInitPicksTheHighestBuildTheFeaturesAllow) {
     uint64_t f = ExpectedFeatureWord();
-    Choice want;
-    if (f & 0x40) {
-        want = {3, 0, f & 0xCDF};
-    } else if (f & 0x10) {
-        want = {2, (f & 0x20) ? 1 : 0, f & 0x1F};
-    } else if (f & 0x8) {
-        want = {1, 0, f & 0xF};
-    } else {
-        want = {0, 0, f & 0x7};
-    }
-    PrimStatus status = primStaticInit();
-    EXPECT_TRUE(Current() == want) << "index " << primJumpIndex << " mask " << std::hex << primGetEnabledCpuFeatures();
-    if (!IsGenuineIntel()) {
-        EXPECT_EQ(status, PrimCpuVendorWrn);
-    } else {
-        EXPECT_EQ(status, (f & 0x8) ? PrimOk : PrimCpuOldWrn);
+    const Choice want = (f & 0x40)   ? Choice{3, 0, f & 0xCDF}
+                        : (f & 0x10) ? Choice{2, (f & 0x20) ? 1 : 0, f & 0x1F}
+                        : (f & 0x8)  ? Choice{1, 0, f & 0xF}
+                                     : Choice{0, 0, f & 0x7};
+    const PrimStatus expected = !IsGenuineIntel() ? PrimCpuVendorWrn : (f & 0x8) ? PrimOk : PrimCpuOldWrn;
+    for (auto init : {+[] { return primStaticInit(); }, +[] { return primInit(); },
+                      +[] { return primStaticInitCpu(-1); }}) {
+        TearDown();
+        EXPECT_EQ(init(), expected);
+        EXPECT_EQ(Current(), want);
     }
 }
 
@@ -164,26 +135,27 @@ TEST_F(Cpu, DetectionRunsOnceEvenForANullPointer) {
     ownFeaturesAreValid = 0;
 }
 
-TEST_F(Cpu, MagicOldValueRunsTheChosenLeaf) {
+// The magic old value "getinfoa" runs the leaf and subleaf the registers
+// name; any other reads leaf 1 (whose APIC id byte may change between reads).
+TEST_F(Cpu, OldValueChoosesTheLeafReadIntoTheRegisters) {
     const uint64_t kGetInfoA = 0x616F666E69746567;
-    std::vector<std::pair<uint32_t, uint32_t>> requests = {{4, 0}, {0, 0}};
-    if (Cpuid(0).eax >= 0xD) requests.push_back({0xD, 1});
-    for (const auto& [leaf, subleaf] : requests) {
-        uint64_t features = kGetInfoA;
-        uint32_t registers[4] = {leaf, 0xDEADBEEF, subleaf, 0xDEADBEEF};
-        EXPECT_EQ(primGetCpuFeatures(&features, registers), PrimOk);
+    struct Request {
+        uint64_t old;
+        uint32_t leaf, subleaf, readLeaf, readSubleaf, ebxMask;
+    };
+    std::vector<Request> requests = {{kGetInfoA, 4, 0, 4, 0, ~0u},         {kGetInfoA, 0, 0, 0, 0, ~0u},
+                                     {0, 4, 0, 1, 0, 0x00FFFFFF},          {kGetInfoA + 1, 4, 0, 1, 0, 0x00FFFFFF},
+                                     {~uint64_t{0}, 4, 0, 1, 0, 0x00FFFFFF}};
+    if (Cpuid(0).eax >= 0xD) requests.push_back({kGetInfoA, 0xD, 1, 0xD, 1, ~0u});
+    for (const Request& r : requests) {
+        uint64_t features = r.old;
+        uint32_t got[4] = {r.leaf, 0xDEADBEEF, r.subleaf, 0xDEADBEEF};
+        EXPECT_EQ(primGetCpuFeatures(&features, got), PrimOk);
         EXPECT_EQ(features, ExpectedFeatureWord());
-        ExpectSameRegisters(registers, Cpuid(leaf, subleaf));
-    }
-}
-
-TEST_F(Cpu, AnyOtherOldValueReadsLeafOne) {
-    for (uint64_t old : {uint64_t{0}, uint64_t{0x616F666E69746568}, ~uint64_t{0}}) {
-        uint64_t features = old;
-        uint32_t registers[4] = {4, 0, 0, 0};
-        EXPECT_EQ(primGetCpuFeatures(&features, registers), PrimOk);
-        EXPECT_EQ(features, ExpectedFeatureWord());
-        ExpectSameRegisters(registers, Cpuid(1), 0x00FFFFFF);
+        const Registers want = Cpuid(r.readLeaf, r.readSubleaf);
+        EXPECT_TRUE(got[0] == want.eax && (got[1] & r.ebxMask) == (want.ebx & r.ebxMask) && got[2] == want.ecx &&
+                    got[3] == want.edx)
+            << "leaf " << r.leaf << " old " << std::hex << r.old;
     }
     uint64_t features = 0;
     EXPECT_EQ(primGetCpuFeatures(&features, nullptr), PrimOk);
@@ -212,31 +184,13 @@ TEST_F(Cpu, IdentificationTestsMatchTheProcessor) {
     EXPECT_EQ(prim_get_cores_on_die(), r0.eax >= 4 ? static_cast<int32_t>(Cpuid(4).eax >> 26) + 1 : 1);
 }
 
-// ---- Cache size ----
-
-// Puts the one-time cache query back to "not run" and restores it after.
-class CacheQuery : public ::testing::Test {
-protected:
-    void SetUp() override {
-        savedStatus_ = ownStatus;
-        savedSize_ = cacheSize;
-        ownStatus = 1;
-        cacheSize = 0;
-    }
-    void TearDown() override {
-        ownStatus = savedStatus_;
-        cacheSize = savedSize_;
-    }
-
-private:
-    int32_t savedStatus_ = 1;
-    int32_t savedSize_ = 0;
-};
-
-TEST_F(CacheQuery, FirstRunDependsOnTheVendor) {
+// The one-time cache query, put back to "not run" and restored after.
+TEST(CacheQuery, FirstRunDependsOnTheVendorAndLaterRunsReturnWhatItKept) {
+    const int32_t savedStatus = ownStatus, savedSize = cacheSize;
+    ownStatus = 1;
+    cacheSize = 0;
     EXPECT_EQ(primGetMaxCacheSizeB(nullptr), PrimNullPtrErr);
     EXPECT_EQ(ownStatus, 1);
-
     int32_t size = -1;
     PrimStatus status = primGetMaxCacheSizeB(&size);
     if (!IsGenuineIntel()) {
@@ -248,29 +202,19 @@ TEST_F(CacheQuery, FirstRunDependsOnTheVendor) {
     }
     EXPECT_EQ(ownStatus, status);
     EXPECT_EQ(cacheSize, size);
-}
-
-TEST_F(CacheQuery, LaterRunsReturnWhatTheFirstKept) {
-    int32_t size = 0;
-    primGetMaxCacheSizeB(&size);
     // Were the processor asked again, these could not come back.
     ownStatus = PrimCacheUnknownWrn;
     cacheSize = 4242;
     EXPECT_EQ(primGetMaxCacheSizeB(&size), PrimCacheUnknownWrn);
     EXPECT_EQ(size, 4242);
     EXPECT_EQ(owncvGetCacheSize(), 4242);
+    ownStatus = savedStatus;
+    cacheSize = savedSize;
 }
 
 TEST(CacheTables, PackedTableHoldsTheCachesFromHalfAMegabyteUp) {
     ASSERT_EQ(TableCacheSize.size(), 87u);
     EXPECT_EQ(TableCacheSize[86], 0);
-    const struct {
-        int pair, descriptor, code;
-    } known[] = {{0, 0xEC, 0xC3}, {1, 0xEB, 0x93}, {2, 0x4D, 0x83}, {17, 0x48, 0x32}, {42, 0x43, 0x11}};
-    for (const auto& k : known) {
-        EXPECT_EQ(TableCacheSize[2 * k.pair], k.descriptor) << k.pair;
-        EXPECT_EQ(TableCacheSize[2 * k.pair + 1], k.code) << k.pair;
-    }
     for (int pair = 0; pair < 43; ++pair) {
         uint32_t code = TableCacheSize[2 * pair + 1];
         EXPECT_EQ(TableCacheSize[2 * pair], tableCache[pair].descriptor) << pair;

@@ -60,25 +60,6 @@ TEST_P(ArithSfs, EveryScaleFactorPathFollowsTheFormula) {
         for (int k : {-1000, -10, -9, -8, -7, -3, -1, 0, 1, 2, 7, 8, 9, 10, 11, 1000}) ExpectFormula(op, k);
 }
 
-TEST_P(ArithSfs, WorkedValuesOfOnePixel) {
-    struct Case {
-        bool add;
-        int s, c, k, result;
-    };
-    const Case cases[] = {{true, 250, 10, 0, 255}, {false, 5, 10, 0, 0},    {true, 2, 3, 1, 2},
-                          {true, 3, 4, 1, 4},      {true, 255, 255, 9, 1},  {true, 255, 255, 10, 0},
-                          {false, 255, 0, 8, 1},   {false, 255, 0, 9, 0},   {true, 0, 1, -8, 255},
-                          {true, 60, 3, -1, 126},  {false, 41, 40, -8, 255}};
-    for (const Case& t : cases) {
-        uint8_t pixel[4] = {static_cast<uint8_t>(t.s), 0, 0, 77};
-        const uint8_t constant[3] = {static_cast<uint8_t>(t.c), 0, 0};
-        auto run = t.add ? primiAddC_8u_AC4IRSfs : primiSubC_8u_AC4IRSfs;
-        EXPECT_EQ(run(constant, pixel, 4, {1, 1}, t.k), PrimOk);
-        EXPECT_EQ(pixel[0], t.result) << t.s << (t.add ? " + " : " - ") << t.c << " k " << t.k;
-        EXPECT_EQ(pixel[3], 77);
-    }
-}
-
 TEST_P(ArithSfs, NullThenSizeAndStepsNeverTested) {
     ImageUnderTest image(4, 2, 0, 0, 9);
     const auto before = image.bytes;

@@ -58,29 +58,23 @@ TEST_P(CopyAndSet, VectorOperationsCoverExactlyTheirLength) {
         for (int offset : {0, 1, 3}) {
             const auto a = kvtest::RandomBytes(4 * length + 8, length), b = kvtest::RandomBytes(4 * length + 8, 7);
             const uint8_t* src = a.data() + 3 - offset;
-            auto check = [&](auto operation, auto reference) {
+            auto check = [&](auto operation, auto element) {
                 auto buffer = b, expected = b;
-                reference(expected.data() + offset);
+                for (int n = 0; n < length; ++n) element(expected.data() + offset, n);
                 ASSERT_EQ(operation(buffer.data() + offset), PrimOk);
                 ASSERT_EQ(buffer, expected) << "length " << length << " offset " << offset;
             };
-            auto each = [&](auto change) {
-                return [&, change](uint8_t* p) {
-                    for (int n = 0; n < length; ++n) change(p, n);
-                };
-            };
             check([&](uint8_t* p) { return KV_BUILD(primsCopy_8u, i)(src, p, length); },
-                  each([&](uint8_t* p, int n) { p[n] = src[n]; }));
-            check([&](uint8_t* p) { return KV_BUILD(primsZero_8u, i)(p, length); },
-                  each([](uint8_t* p, int n) { p[n] = 0; }));
+                  [&](uint8_t* p, int n) { p[n] = src[n]; });
+            check([&](uint8_t* p) { return KV_BUILD(primsZero_8u, i)(p, length); }, [](uint8_t* p, int n) { p[n] = 0; });
             check([&](uint8_t* p) { return KV_BUILD(primsZero_16s, i)(reinterpret_cast<int16_t*>(p), length); },
-                  each([](uint8_t* p, int n) { p[2 * n] = p[2 * n + 1] = 0; }));
+                  [](uint8_t* p, int n) { p[2 * n] = p[2 * n + 1] = 0; });
             check([&](uint8_t* p) { return KV_BUILD(primsSet_32f, i)(value, reinterpret_cast<float*>(p), length); },
-                  each([&](uint8_t* p, int n) { memcpy(p + 4 * n, &value, 4); }));
+                  [&](uint8_t* p, int n) { memcpy(p + 4 * n, &value, 4); });
             check([&](uint8_t* p) { return KV_BUILD(primsMaxEvery_8u_I, i)(src, p, length); },
-                  each([&](uint8_t* p, int n) { p[n] = std::max(p[n], src[n]); }));
+                  [&](uint8_t* p, int n) { p[n] = std::max(p[n], src[n]); });
             check([&](uint8_t* p) { return KV_BUILD(primsMinEvery_8u_I, i)(src, p, length); },
-                  each([&](uint8_t* p, int n) { p[n] = std::min(p[n], src[n]); }));
+                  [&](uint8_t* p, int n) { p[n] = std::min(p[n], src[n]); });
         }
     }
 }

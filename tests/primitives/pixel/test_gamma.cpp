@@ -51,10 +51,6 @@ class Gamma : public EveryJumpIndex {};
 TEST_P(Gamma, TablesFollowTheCurvesWithTiesToEven) {
     auto forward = TableOf(primiGammaFwd_8u_AC4IR);
     auto inverse = TableOf(primiGammaInv_8u_AC4IR);
-    EXPECT_EQ(Bytes(forward.begin(), forward.begin() + 8), (Bytes{0, 4, 9, 14, 18, 23, 27, 30}));
-    EXPECT_EQ(Bytes(inverse.begin(), inverse.begin() + 8), (Bytes{0, 0, 0, 1, 1, 1, 1, 2}));
-    EXPECT_EQ(forward[255], 255);
-    EXPECT_EQ(inverse[255], 255);
     EXPECT_EQ(forward, ReferenceTable(Forward));
     EXPECT_EQ(inverse, ReferenceTable(Inverse));
 }

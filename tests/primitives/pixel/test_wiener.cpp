@@ -108,12 +108,16 @@ struct Tally {
 
 // One case: every byte of the destination, the colour bytes of the region
 // against the reference and all others as they were; the noise array; and
-// the same bytes from the baseline build. The work buffer is misaligned.
-void CheckCase(const Case& k, int32_t padding, int32_t bufferOffset, uint32_t seed, Tally* tally) {
+// the same bytes from the baseline build. The work buffer is misaligned. A
+// flat channel 1 passes under given noise, and when estimated has V = 0,
+// whose infinite reciprocal times 0 is not a number, and comes out 0.
+void CheckCase(const Case& k, int32_t padding, int32_t bufferOffset, uint32_t seed, bool flat, Tally* tally) {
     SCOPED_TRACE(::testing::Message() << k.roi.width << "x" << k.roi.height << " mask " << k.mask.width << "x"
                                       << k.mask.height << " anchor " << k.anchor.x << "," << k.anchor.y << " noise "
                                       << k.noise[0] << " " << k.noise[1] << " " << k.noise[2]);
     WindowedSource src(k.roi, k.mask, k.anchor, padding % 7, seed);
+    for (int y = -src.top; y < k.roi.height + k.anchor.y && flat; ++y)
+        for (int x = -src.left; x < k.roi.width + k.anchor.x; ++x) src.at(x, y, 1) = 200;
     const ImageUnderTest before(k.roi.width, k.roi.height, padding, bufferOffset % 4, seed + 1);
     int32_t bufferSize = 0;
     ASSERT_EQ(primiFilterWienerGetBufferSize(k.roi, k.mask, 4, &bufferSize), PrimOk);
@@ -178,42 +182,12 @@ TEST_P(Wiener, EqualsTheReferenceOnRandomImagesMasksAnchorsAndNoise) {
         k.anchor = {pick(0, k.mask.width - 1), pick(0, k.mask.height - 1)};
         for (float& l : k.noise) l = level(random);
         if (round % 3 == 1) k.noise[pick(0, 2)] = 0.0f;  // estimate all three
-        CheckCase(k, pick(0, 9), pick(0, 17), 1000 + round, &tally);
+        CheckCase(k, pick(0, 9), pick(0, 17), 1000 + round, round % 5 == 2, &tally);
         if (HasFatalFailure()) return;
     }
     RecordProperty("BytesOffByOneNearRoundingBoundary", tally.offByOne);
     RecordProperty("BytesCompared", tally.bytes);
     EXPECT_LT(tally.offByOne * 200, tally.bytes);
-}
-
-// A channel flat over the source: under given noise it passes unchanged (V
-// takes the noise, s - M is 0). When estimating, its noise is 0, so V is 0,
-// 0 times the infinite reciprocal is not a number, and the channel comes
-// out 0. A zero level has the given levels beside it re-estimated too.
-TEST_P(Wiener, FlatChannelPassesUnderGivenNoiseAndGoesToZeroWhenEstimated) {
-    const Case k = {{19, 5}, {3, 3}, {1, 1}, {}};
-    WindowedSource src(k.roi, k.mask, k.anchor, 3, 77);
-    for (int y = -1; y <= k.roi.height; ++y)
-        for (int x = -1; x <= k.roi.width; ++x) src.at(x, y, 1) = 200;
-    int32_t size;
-    primiFilterWienerGetBufferSize(k.roi, k.mask, 4, &size);
-    Bytes buffer(size);
-    ImageUnderTest given(19, 5, 0, 0, 78), estimated(19, 5, 0, 0, 79);
-    float levels[3] = {0.01f, 0.01f, 0.01f}, estimate[3] = {0.0f, 0.5f, 0.5f};
-    ASSERT_EQ(primiFilterWiener_8u_AC4R(src.region(), src.step, given.data(), given.step, k.roi, k.mask, k.anchor,
-                                        levels, buffer.data()),
-              PrimOk);
-    ASSERT_EQ(primiFilterWiener_8u_AC4R(src.region(), src.step, estimated.data(), estimated.step, k.roi, k.mask,
-                                        k.anchor, estimate, buffer.data()),
-              PrimOk);
-    for (int y = 0; y < k.roi.height; ++y)
-        for (int x = 0; x < k.roi.width; ++x) {
-            ASSERT_EQ(given.at(x, y, 1), 200);
-            ASSERT_EQ(estimated.at(x, y, 1), 0);
-        }
-    EXPECT_EQ(levels[1], 0.01f) << "given levels stay";
-    EXPECT_EQ(estimate[1], 0.0f);
-    EXPECT_NE(estimate[2], 0.5f);
 }
 
 // One pixel under a 2x2 window with its variance below the noise, so each
