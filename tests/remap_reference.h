@@ -1,5 +1,6 @@
 // A plain reference of primiRemap_8u_AC4R for valid arguments: each kernel
-// written out as its rule, one pixel and one channel at a time.
+// written out as its rule, one pixel and one channel at a time. The affine
+// warp's reference samples with the same kernels.
 #ifndef KV_TESTS_REMAP_REFERENCE_H
 #define KV_TESTS_REMAP_REFERENCE_H
 
@@ -30,14 +31,15 @@ struct RemapReference {
         for (int c = 0; c < 3; ++c) d[c] = static_cast<uint8_t>(S(static_cast<int>(x + 0.5f), static_cast<int>(y + 0.5f), c));
     }
 
-    // A cell stepped back from column or row 0 has weight 0 on the column or
-    // row before the image, which is not read.
-    void Linear(float x, float y, uint8_t* d) const {
+    // 14-bit fractions, rows shifted by 8, their blend rounded by bias (the
+    // remap's 33, the warp's half). A cell stepped back from column or row 0
+    // has weight 0 on the column or row before the image, which is not read.
+    void Linear(double x, double y, uint8_t* d, int bias = 33) const {
         int ix = static_cast<int>(x), iy = static_cast<int>(y);
         if (ix == xMax()) --ix;
         if (iy == yMax()) --iy;
-        int fx = static_cast<int>(std::nearbyint((x - static_cast<float>(ix)) * 16384.0f));
-        int fy = static_cast<int>(std::nearbyint((y - static_cast<float>(iy)) * 16384.0f));
+        int fx = static_cast<int>(std::nearbyint((x - ix) * 16384.0));
+        int fy = static_cast<int>(std::nearbyint((y - iy) * 16384.0));
         for (int c = 0; c < 3; ++c) {
             auto across = [&](int row) {
                 int left = fx == 16384 ? 0 : S(ix, row, c) * (16384 - fx);
@@ -45,7 +47,7 @@ struct RemapReference {
             };
             int top = fy == 16384 ? 0 : across(iy);
             int bottom = across(iy + 1);
-            d[c] = Saturate((top * (16384 - fy) + bottom * fy + 33) >> 20);
+            d[c] = Saturate((top * (16384 - fy) + bottom * fy + bias) >> 20);
         }
     }
 
@@ -99,19 +101,17 @@ struct RemapReference {
     }
 
     // Double-precision kernels over clamped taps around trunc(v + 1e-7).
-    void Point(float x, float y, int code, uint8_t* d) const {
+    void Point(double x, double y, int code, uint8_t* d) const {
         int taps = code == InterpLanczos3 ? 6 : 4, before = taps / 2 - 1;
-        int ix = static_cast<int>(double{x} + 1e-7), iy = static_cast<int>(double{y} + 1e-7);
+        int ix = static_cast<int>(x + 1e-7), iy = static_cast<int>(y + 1e-7);
         double wx[6], wy[6];
         if (code == InterpLanczos3) {
-            Lanczos3Weights(ix - 2 - double{x}, wx);
-            Lanczos3Weights(iy - 2 - double{y}, wy);
-        } else if (code == InterpCatmullRom) {
-            CatmullRomWeights(double{x} - ix, wx);
-            CatmullRomWeights(double{y} - iy, wy);
+            Lanczos3Weights(ix - 2 - x, wx);
+            Lanczos3Weights(iy - 2 - y, wy);
         } else {
-            CubicWeights(double{x} - ix, wx);
-            CubicWeights(double{y} - iy, wy);
+            auto weights = code == InterpCatmullRom ? CatmullRomWeights : CubicWeights;
+            weights(x - ix, wx);
+            weights(y - iy, wy);
         }
         for (int c = 0; c < 3; ++c) {
             double sum = 0;

@@ -1,36 +1,19 @@
 // The "Shear" effect: its words, its picture over opaque black, and the
 // buffer size it keeps in statics shared by every instance.
-#include <gtest/gtest.h>
-
 #include <cstdlib>
-#include <vector>
 
+#include "geometry_effect_support.h"
 #include "kelvarine_prims.h"
-#include "test_support.h"
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-
-TEST(ShearEffect, PresetAndClampedPercentages) {
-    Effect_Base* shear = Kelvarine_NewInstance(1054);
-    ASSERT_NE(shear, nullptr);
-    EffectArgs args = {{9, 9, 9, 9, 9, 9}};
-    EXPECT_EQ(shear->GetArgs(&args), 0);
-    EXPECT_EQ(args.word[0], -10);
-    EXPECT_EQ(args.word[1], -10);
-    EXPECT_EQ(args.word[2], 9) << "only words 0 and 1 are written";
-    EffectArgs wild = {{80, -80}};
-    EXPECT_EQ(shear->SetArgs(&wild), 0);
-    shear->GetArgs(&args);
-    EXPECT_EQ(args.word[0], 50);
-    EXPECT_EQ(args.word[1], -50);
-    Kelvarine_Destory(shear);
-}
+using kvgeo::Bytes;
+using kvgeo::Words;
 
 // The shear of the whole frame into opaque black, with the shifts
-// -height * yShear / 2 and -width * xShear / 2, bilinear with softened
-// edges; all four bytes of the result replace the frame.
+// -height * yShear / 2 and -width * xShear / 2 (each size paired with the
+// other axis's shear), bilinear with softened edges; all four bytes of the
+// result replace the frame.
 Bytes Sheared(const Bytes& frame, int w, int h, double xShear, double yShear) {
     Bytes buffer(frame.size());
     for (size_t i = 0; i < buffer.size(); ++i) buffer[i] = i % 4 == 3 ? 255 : 0;
@@ -40,39 +23,20 @@ Bytes Sheared(const Bytes& frame, int w, int h, double xShear, double yShear) {
     return buffer;
 }
 
+// The preset and percentages held to -50..50, on frames of awkward sizes
+// taken one after another by the same instance.
 TEST(ShearEffect, ShearsOverOpaqueBlack) {
-    const int sizes[][2] = {{2, 2}, {5, 3}, {17, 9}, {40, 31}, {64, 48}};
-    const int32_t shears[][2] = {{-10, -10}, {50, 50}, {-50, 20}, {0, 0}, {33, -7}};
     Effect_Base* shear = Kelvarine_NewInstance(1054);
-    for (const auto& s : shears) {
-        EffectArgs args = {{s[0], s[1]}};
-        shear->SetArgs(&args);
-        for (const auto& size : sizes) {
-            const int w = size[0], h = size[1];
-            Bytes frame = kvtest::RandomBytes(w * h * 4, 3 * w + h);
-            const Bytes expected = Sheared(frame, w, h, s[0] / 100.0, s[1] / 100.0);
-            ASSERT_EQ(Kelvarine_Proc(shear, frame.data(), w, h), 0);
-            EXPECT_EQ(frame, expected) << s[0] << "," << s[1] << " at " << w << "x" << h;
-            for (size_t i = 3; i < frame.size(); i += 4) ASSERT_EQ(frame[i], 255);
-        }
+    ASSERT_NE(shear, nullptr);
+    EXPECT_EQ(kvgeo::WordsOf(shear, 2), (Words{-10, -10}));
+    const int32_t settings[][4] = {{-10, -10, -10, -10}, {80, 50, 50, 50}, {-50, 20, -50, 20}, {0, 0, 0, 0},
+                                   {33, -80, 33, -50}};
+    for (const auto& s : settings) {
+        EXPECT_EQ(kvgeo::WordsOf(shear, 2, {s[0], s[1]}), (Words{s[2], s[3]})) << s[0] << "," << s[1];
+        const double xShear = s[2] / 100.0, yShear = s[3] / 100.0;
+        kvgeo::ExpectFrames(shear, {{2, 2}, {5, 3}, {17, 9}, {40, 31}, {64, 48}}, 3,
+                            [&](const Bytes& frame, int w, int h) { return Sheared(frame, w, h, xShear, yShear); });
     }
-    Kelvarine_Destory(shear);
-}
-
-// The shifts pair each size with the other axis's shear: 50% along x alone
-// moves the picture up by a quarter of the width and leaves it sheared in x
-// about the top edge, so the frame's lower rows are black.
-TEST(ShearEffect, UnequalShearsLeaveTheCentre) {
-    Effect_Base* shear = Kelvarine_NewInstance(1054);
-    EffectArgs args = {{50, 0}};
-    shear->SetArgs(&args);
-    const int w = 8, h = 4;
-    Bytes frame = kvtest::RandomBytes(w * h * 4, 12);
-    const Bytes before = frame;
-    Kelvarine_Proc(shear, frame.data(), w, h);
-    for (int x = 1; x < w; ++x)
-        for (int c = 0; c < 3; ++c) EXPECT_EQ(frame[x * 4 + c], before[(2 * w + x - 1) * 4 + c]) << "row 2 moved up";
-    for (int i = 2 * w * 4; i < w * h * 4; ++i) EXPECT_EQ(frame[i], i % 4 == 3 ? 255 : 0) << "byte " << i;
     Kelvarine_Destory(shear);
 }
 

@@ -1,18 +1,17 @@
-// A plain model of the affine warp's rules, for the tests: where the source
-// rectangle lands, the clipped polygon, the inverse that a destination pixel
-// samples by, the four samplers and the edge softening, written out one
-// pixel at a time in the arithmetic the design gives.
+// A plain model of the affine warp's rules: where the source rectangle
+// lands, the clipped polygon, the inverse that a destination pixel samples
+// by, the samplers and the edge softening.
 #ifndef KV_TESTS_PRIMITIVES_GEOMETRY_WARP_REFERENCE_H
 #define KV_TESTS_PRIMITIVES_GEOMETRY_WARP_REFERENCE_H
 
 #include <algorithm>
-#include <cfenv>
 #include <cmath>
 #include <cstdint>
 #include <vector>
 
 #include "kelvarine_prims.h"
 #include "primitives/pixel/image_under_test.h"
+#include "remap_reference.h"
 
 namespace warpref {
 
@@ -26,10 +25,6 @@ struct Pt {
 struct Coeffs {
     double c00, c01, c02, c10, c11, c12;
 };
-
-inline Coeffs ShearCoeffs(double xShear, double yShear, double xShift, double yShift) {
-    return {1.0, xShear, xShift, yShear, 1.0, yShift};
-}
 
 // The rotation about a centre as the warp receives it. Quarter turns and
 // no turn at all keep exact coefficients and shifts without trigonometry.
@@ -121,93 +116,19 @@ inline std::vector<Pt> ClipToRect(std::vector<Pt> p, int xMin, int yMin, int xMa
     return kept;
 }
 
-inline uint8_t Saturate(int32_t v) { return static_cast<uint8_t>(v < 0 ? 0 : (v > 255 ? 255 : v)); }
-
-// Channel ch of source pixel (x, y).
-inline int32_t At(ImageUnderTest& src, int32_t x, int32_t y, int ch) { return src.at(x, y, ch); }
-
-// Nearest: the position, 0.5 already added, truncated.
-inline void Nearest(ImageUnderTest& src, double x, double y, uint8_t out[3]) {
-    for (int ch = 0; ch < 3; ++ch) out[ch] = static_cast<uint8_t>(At(src, int32_t(x), int32_t(y), ch));
-}
-
-// Bilinear in fixed point: 14-bit fractions rounded to nearest, each row
-// blended and shifted by 8, the rows blended with one half and shifted by 20.
-inline void Linear(ImageUnderTest& src, double x, double y, uint8_t out[3]) {
-    int32_t ix = int32_t(x), iy = int32_t(y);
-    if (ix == src.size.width - 1) --ix;
-    if (iy == src.size.height - 1) --iy;
-    const int32_t fx = int32_t(std::nearbyint((x - ix) * 16384.0)), fy = int32_t(std::nearbyint((y - iy) * 16384.0));
-    for (int ch = 0; ch < 3; ++ch) {
-        const int32_t top = (At(src, ix, iy, ch) * (16384 - fx) + At(src, ix + 1, iy, ch) * fx) >> 8;
-        const int32_t bottom = (At(src, ix, iy + 1, ch) * (16384 - fx) + At(src, ix + 1, iy + 1, ch) * fx) >> 8;
-        out[ch] = Saturate((top * (16384 - fy) + bottom * fy + 524288) >> 20);
-    }
-}
-
-// The fixed-point cubic: a 4x4 block whose first tap shifts inward at the
-// borders, weights round(16384 L(t)) of the Lagrange cubic through 0..3 at
-// t = round(512 t) / 512, rows shifted by 8 and kept in 16 bits.
-inline int32_t LagrangeWeight(int k, int32_t f) {
-    const double t = f / 512.0;
-    const double nodes[4] = {0, 1, 2, 3};
-    double w = 1.0;
-    for (int m = 0; m < 4; ++m)
-        if (m != k) w *= (t - nodes[m]) / (nodes[k] - nodes[m]);
-    return int32_t(std::lround(16384.0 * w));
-}
-
-inline void Cubic(ImageUnderTest& src, double x, double y, uint8_t out[3]) {
-    auto firstTap = [](float v, int32_t size) {
-        int32_t i = int32_t(v);
-        if (i > size - 3) i = size - 3;
-        return i > 0 ? i - 1 : i;
-    };
-    const float fxp = float(x), fyp = float(y);
-    const int32_t ix = firstTap(fxp, src.size.width), iy = firstTap(fyp, src.size.height);
-    const int32_t f = int32_t(std::nearbyint((fxp - float(ix)) * 512.0f));
-    const int32_t g = int32_t(std::nearbyint((fyp - float(iy)) * 512.0f));
-    // Taps 2 and 3 take the first two weights at 1536 - f, swapped.
-    const int32_t wx[4] = {LagrangeWeight(0, f), LagrangeWeight(1, f), LagrangeWeight(1, 1536 - f),
-                           LagrangeWeight(0, 1536 - f)};
-    const int32_t wy[4] = {LagrangeWeight(0, g), LagrangeWeight(1, g), LagrangeWeight(1, 1536 - g),
-                           LagrangeWeight(0, 1536 - g)};
-    for (int ch = 0; ch < 3; ++ch) {
-        int32_t sum = 0;
-        for (int r = 0; r < 4; ++r) {
-            int32_t row = 0;
-            for (int k = 0; k < 4; ++k) row += At(src, ix + k, iy + r, ch) * wx[k];
-            sum += int16_t(row >> 8) * wy[r];
-        }
-        out[ch] = Saturate((sum + 524288) >> 20);
-    }
-}
-
-// Catmull-Rom in double around trunc(position + 1e-7), taps clamped to the
-// image, one square of the first weight taken in float.
-inline void CatmullRomWeights(double t, double w[4]) {
-    const float tf = float(t);
-    w[0] = (-0.5 * t * t - 0.5) * t + double(tf * tf);
-    w[1] = (1.5 * t - 2.5) * (t * t) + 1.0;
-    w[2] = (-1.5 * (t * t) + 2 * t + 0.5) * t;
-    w[3] = ((t * t) - t) * t * 0.5;
-}
-
-inline void CatmullRom(ImageUnderTest& src, double x, double y, uint8_t out[3]) {
-    const int32_t ix = int32_t(x + 1e-7), iy = int32_t(y + 1e-7);
-    double wx[4], wy[4];
-    CatmullRomWeights(x - ix, wx);
-    CatmullRomWeights(y - iy, wy);
-    auto clamp = [](int32_t v, int32_t size) { return std::min(std::max(v, 0), size - 1); };
-    for (int ch = 0; ch < 3; ++ch) {
-        double sum = 0.0;
-        for (int r = 0; r < 4; ++r) {
-            double across = 0.0;
-            for (int k = 0; k < 4; ++k)
-                across += At(src, clamp(ix - 1 + k, src.size.width), clamp(iy - 1 + r, src.size.height), ch) * wx[k];
-            sum += across * wy[r];
-        }
-        out[ch] = sum > 255.0 ? 255 : (sum < 0.0 ? 0 : uint8_t(int32_t(sum + 0.5)));
+// The kernel's sample at (x, y), roi the clipped source rectangle: the
+// remap's kernels, except that the nearest position has 0.5 added already
+// and the linear blend rounds by a half.
+inline void Sample(int32_t mode, ImageUnderTest& src, PrimRect roi, double x, double y, uint8_t out[3]) {
+    const kvtest::RemapReference kernels{src.data(), src.size, src.step, roi};
+    if (mode == InterpNearest) {
+        for (int c = 0; c < 3; ++c) out[c] = src.at(int32_t(x), int32_t(y), c);
+    } else if (mode == InterpLinear) {
+        kernels.Linear(x, y, out, 524288);
+    } else if (mode == InterpCubic) {
+        kernels.CubicFixed(float(x), float(y), out);
+    } else {
+        kernels.Point(x, y, InterpCatmullRom, out);
     }
 }
 
