@@ -13,8 +13,7 @@
 
 namespace kvtest {
 
-// An 8-bit image inside a buffer with `margin` real rows and columns of
-// memory all round, for the border words that read them.
+// An 8-bit image with `margin` rows and columns of memory all round.
 struct MarginImage {
     PrimSize size;
     int32_t margin;
@@ -30,14 +29,10 @@ inline int32_t ReferenceBorderIndex(int32_t i, int32_t n, int32_t kind) {
     if (i >= 0 && i < n) return i;
     if (kind == BorderRepl) return i < 0 ? 0 : n - 1;
     if (kind == BorderWrap) return ((i % n) + n) % n;
-    // Reflections, walked one step at a time off either end.
-    const bool repeatEdge = kind == BorderMirrorEdge;
-    if (n == 1) return 0;
-    while (i < 0 || i >= n) {
-        if (i < 0) i = repeatEdge ? -i - 1 : -i;
-        if (i >= n) i = repeatEdge ? 2 * n - 1 - i : 2 * (n - 1) - i;
-    }
-    return i;
+    // Reflections, walked off either end; MirrorEdge repeats the edge.
+    const int32_t edge = kind == BorderMirrorEdge ? 1 : 0;
+    while (n > 1 && (i < 0 || i >= n)) i = i < 0 ? -i - edge : 2 * n - 2 + edge - i;
+    return n > 1 ? i : 0;
 }
 
 // The source value that the filters see at (x, y), inside or outside the

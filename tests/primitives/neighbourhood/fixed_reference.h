@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "kelvarine_prims.h"
-#include "padded_source.h"
 
 namespace kvtest {
 

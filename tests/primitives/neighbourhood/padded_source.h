@@ -1,7 +1,7 @@
-// Images for the filters, which read beyond their region by the reach of
-// their mask: a source whose buffer starts at the first readable byte and
-// ends at the last (so the address sanitizer sees any read past the reach),
-// and a destination whose untouched bytes are checked too.
+// Images for the filters that read around their region: a source buffer
+// from the first readable byte to the last (so that the address sanitizer
+// sees any read past the reach), and a destination whose untouched bytes
+// are checked too.
 #ifndef KV_TESTS_PRIMITIVES_NEIGHBOURHOOD_PADDED_SOURCE_H
 #define KV_TESTS_PRIMITIVES_NEIGHBOURHOOD_PADDED_SOURCE_H
 
@@ -37,8 +37,8 @@ struct PaddedSource {
     std::vector<uint8_t> bytes;
 };
 
-// Random bytes with gaps after the rows; Expected gives the image that a
-// filter writing value(x, y, c) into the colour bytes, and nothing else, leaves.
+// Random bytes with gaps after the rows; Expected is what a filter writing
+// value(x, y, c) into the colour bytes, and nothing else, leaves.
 struct Destination {
     Destination(PrimSize roi, int32_t extraStep, uint32_t seed)
         : size(roi), step(roi.width * 4 + extraStep), bytes(RandomBytes(size_t(step) * roi.height, seed)) {}

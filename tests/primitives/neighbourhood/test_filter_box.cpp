@@ -13,13 +13,18 @@ kvtest::Reach ReachOf(PrimSize mask, PrimPoint anchor) {
     return {anchor.x, anchor.y, mask.width - 1 - anchor.x, mask.height - 1 - anchor.y};
 }
 
+PrimStatus Box(const PaddedSource& src, Destination& dst, PrimSize mask, PrimPoint anchor) {
+    return primiFilterBox_8u_AC4R(src.roi(), src.step, dst.data(), dst.step, dst.size, mask, anchor);
+}
+
 class FilterBox : public EveryJumpIndex {};
 
-// Every destination byte against the mean of its window, over masks of all
-// three paths: 3x3, integer up to an area of 8100, float above.
-TEST_P(FilterBox, EqualsTheMeanOfEachPathOnRandomImages) {
-    const PrimSize masks[] = {{1, 1}, {1, 2}, {2, 1}, {2, 2}, {3, 1}, {1, 3}, {3, 3}, {4, 1},   {3, 4},
-                              {5, 5}, {7, 7}, {10, 10}, {13, 2}, {90, 90}, {8100, 1}, {8101, 1}, {91, 91}};
+// Masks of all three paths: 3x3, integer up to an area of 8100, float
+// above. White windows too, whose means lie a hair below 255 on the float
+// path, where the offset before the truncation lifts them.
+TEST_P(FilterBox, EqualsTheMeanOfEachPathOnRandomAndWhiteImages) {
+    const PrimSize masks[] = {{1, 1}, {1, 2}, {2, 1},   {2, 2},   {3, 1},    {1, 3},    {3, 3},   {4, 1},   {3, 4},
+                              {5, 5}, {7, 7}, {10, 10}, {13, 2}, {90, 90}, {8100, 1}, {8101, 1}, {91, 91}, {8105, 1}, {1, 8106}};
     uint32_t seed = 0;
     for (PrimSize mask : masks)
         for (PrimSize roi : kvtest::AwkwardRegions()) {
@@ -28,6 +33,7 @@ TEST_P(FilterBox, EqualsTheMeanOfEachPathOnRandomImages) {
                                      PrimPoint{mask.width / 2, (mask.height - 1) / 2}}) {
                 ++seed;
                 PaddedSource src(roi, ReachOf(mask, anchor), int32_t(seed % 3) * 4, seed);
+                if (seed % 5 == 0) std::fill(src.bytes.begin(), src.bytes.end(), 255);
                 Destination dst(roi, int32_t(seed % 2) * 12, seed + 1);
                 auto expected = dst.Expected([&](int x, int y, int c) {
                     uint32_t s = 0;
@@ -35,24 +41,11 @@ TEST_P(FilterBox, EqualsTheMeanOfEachPathOnRandomImages) {
                         for (int i = 0; i < mask.width; ++i) s += src.at(x - anchor.x + i, y - anchor.y + j, c);
                     return kvtest::BoxMean(s, mask.width, mask.height);
                 });
-                ASSERT_EQ(primiFilterBox_8u_AC4R(src.roi(), src.step, dst.data(), dst.step, roi, mask, anchor), PrimOk);
+                ASSERT_EQ(Box(src, dst, mask, anchor), PrimOk);
                 ASSERT_EQ(dst.bytes, expected) << roi.width << "x" << roi.height << " mask " << mask.width << "x"
                                                << mask.height << " anchor " << anchor.x << "," << anchor.y;
             }
         }
-}
-
-// A white window's mean lies a hair below 255 on the float path, where
-// the offset before the truncation lifts it.
-TEST_P(FilterBox, WhiteStaysWhiteOnEveryPath) {
-    for (PrimSize mask : {PrimSize{3, 3}, PrimSize{2, 1}, PrimSize{90, 90}, PrimSize{8105, 1}, PrimSize{1, 8106}}) {
-        PaddedSource src({5, 2}, ReachOf(mask, {0, 0}), 0, 1);
-        std::fill(src.bytes.begin(), src.bytes.end(), 255);
-        Destination dst({5, 2}, 0, 2);
-        auto expected = dst.Expected([](int, int, int) { return 255; });
-        ASSERT_EQ(primiFilterBox_8u_AC4R(src.roi(), src.step, dst.data(), dst.step, {5, 2}, mask, {0, 0}), PrimOk);
-        EXPECT_EQ(dst.bytes, expected) << mask.width << "x" << mask.height;
-    }
 }
 
 // Past 2^24 float sums round. Near-white windows, whose rare 254s make odd
@@ -68,8 +61,8 @@ TEST_P(FilterBox, FloatPathSumsColumnsInOrderOnceSumsRound) {
         for (int c = 0; c < 3; ++c)
             if (generator() % 100 == 0) src.byte(x, int(generator() % mask.height) - anchor.y, c) = 254;
     Destination dst(roi, 4, 78);
-    // Column sums stay below 2^24 and are exact; the row's sum starts left
-    // to right and then slides as (sum + entering) - leaving.
+    // Column sums are exact; the row's sum starts left to right and then
+    // slides as (sum + entering) - leaving.
     auto column = [&](int i, int y, int c) {
         float sum = 0.0f;
         for (int j = 0; j < mask.height; ++j) sum += float(src.at(i - anchor.x, y - anchor.y + j, c));
@@ -81,12 +74,13 @@ TEST_P(FilterBox, FloatPathSumsColumnsInOrderOnceSumsRound) {
         for (int i = 0; i < x; ++i) sum = (sum + column(i + mask.width, y, c)) - column(i, y, c);
         return uint8_t(int((1.0f / float(mask.width * mask.height)) * sum + 9.0e-6f));
     });
-    ASSERT_EQ(primiFilterBox_8u_AC4R(src.roi(), src.step, dst.data(), dst.step, roi, mask, anchor), PrimOk);
+    ASSERT_EQ(Box(src, dst, mask, anchor), PrimOk);
     EXPECT_EQ(dst.bytes, expected);
 }
 
-TEST_P(FilterBox, ChecksArgumentsInOrderAndWritesNothingOnError) {
-    PaddedSource src({4, 4}, {2, 2, 2, 2}, 0, 5);
+// Steps come ahead of the size here. Only the 3x3 path needs no scratch.
+TEST_P(FilterBox, ChecksArgumentsInOrderAndAFailedScratchWritesNothing) {
+    PaddedSource src({4, 4}, {45, 45, 45, 45}, 0, 5);
     Destination dst({4, 4}, 0, 6);
     const auto before = dst.bytes;
     auto call = [&](const uint8_t* s, int32_t srcStep, int32_t dstStep, PrimSize roi, PrimSize mask, PrimPoint anchor,
@@ -95,28 +89,17 @@ TEST_P(FilterBox, ChecksArgumentsInOrderAndWritesNothingOnError) {
     uint8_t* d = dst.data();
     EXPECT_EQ(call(nullptr, 0, 16, {4, 4}, {3, 3}, {1, 1}, d), PrimNullPtrErr);
     EXPECT_EQ(call(s, src.step, 16, {0, 4}, {3, 3}, {1, 1}, nullptr), PrimNullPtrErr);
-    // Steps come ahead of the size here.
     EXPECT_EQ(call(s, src.step, 0, {0, 4}, {3, 3}, {1, 1}, d), PrimStepErr);
     EXPECT_EQ(call(s, -4, 16, {4, 4}, {3, 3}, {1, 1}, d), PrimStepErr);
     EXPECT_EQ(call(s, src.step, 16, {4, 0}, {0, 3}, {1, 1}, d), PrimSizeErr);
     EXPECT_EQ(call(s, src.step, 16, {4, 4}, {3, -1}, {5, 1}, d), PrimMaskSizeErr);
     EXPECT_EQ(call(s, src.step, 16, {4, 4}, {3, 3}, {3, 1}, d), PrimAnchorErr);
     EXPECT_EQ(call(s, src.step, 16, {4, 4}, {3, 3}, {1, -1}, d), PrimAnchorErr);
-    EXPECT_EQ(dst.bytes, before);
-}
-
-TEST_P(FilterBox, FailedScratchGivesMemAllocErrAndWritesNothing) {
-    PaddedSource src({5, 3}, {45, 45, 45, 45}, 0, 7);
-    Destination dst({5, 3}, 0, 8);
-    const auto before = dst.bytes;
     kvtest::FailingAllocations failing;
-    EXPECT_EQ(primiFilterBox_8u_AC4R(src.roi(), src.step, dst.data(), dst.step, {5, 3}, {4, 4}, {2, 2}),
-              PrimMemAllocErr);
-    EXPECT_EQ(primiFilterBox_8u_AC4R(src.roi(), src.step, dst.data(), dst.step, {5, 3}, {91, 91}, {45, 45}),
-              PrimMemAllocErr);
+    EXPECT_EQ(Box(src, dst, {4, 4}, {2, 2}), PrimMemAllocErr);
+    EXPECT_EQ(Box(src, dst, {91, 91}, {45, 45}), PrimMemAllocErr);
     EXPECT_EQ(dst.bytes, before);
-    EXPECT_EQ(primiFilterBox_8u_AC4R(src.roi(), src.step, dst.data(), dst.step, {5, 3}, {3, 3}, {1, 1}), PrimOk)
-        << "the 3x3 path needs no memory";
+    EXPECT_EQ(Box(src, dst, {3, 3}, {1, 1}), PrimOk);
 }
 
 KV_ALL_JUMP_INDICES(FilterBox);

@@ -1,16 +1,14 @@
-// The min and max filters with replicated borders, against the window
-// formula on random images: every byte of the destination is the minimum or
-// maximum of its channel over the window cut at the image's edges.
+// The min and max filters with replicated borders: every byte is the minimum
+// or maximum of its channel over the window, coordinates clamped (the same
+// as the window cut at the image's edges).
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <random>
-#include <sstream>
-#include <string>
 #include <vector>
 
 #include "jump_index.h"
-#include "rank_images.h"
+#include "window_images.h"
 
 namespace {
 
@@ -22,47 +20,21 @@ struct Case {
     PrimPoint anchor;
 };
 
-std::string Describe(const Case& c, bool max) {
-    std::ostringstream text;
-    text << (max ? "max " : "min ") << c.width << "x" << c.height << " mask " << c.mask.width << "x" << c.mask.height
-         << " anchor " << c.anchor.x << "," << c.anchor.y;
-    return text.str();
-}
-
-// The defining formula: i from max(0, x - a) to min(width - 1, x - a + W - 1),
-// j likewise, all four bytes.
-ImageUnderTest Expected(ImageUnderTest dst, ImageUnderTest& src, const Case& c, bool max) {
-    for (int64_t y = 0; y < c.height; ++y)
-        for (int64_t x = 0; x < c.width; ++x) {
-            const int64_t i0 = std::max<int64_t>(0, x - c.anchor.x);
-            const int64_t i1 = std::min<int64_t>(c.width - 1, x - c.anchor.x + c.mask.width - 1);
-            const int64_t j0 = std::max<int64_t>(0, y - c.anchor.y);
-            const int64_t j1 = std::min<int64_t>(c.height - 1, y - c.anchor.y + c.mask.height - 1);
-            for (int ch = 0; ch < 4; ++ch) {
-                uint8_t pick = src.at(int32_t(i0), int32_t(j0), ch);
-                for (int64_t j = j0; j <= j1; ++j)
-                    for (int64_t i = i0; i <= i1; ++i) {
-                        const uint8_t v = src.at(int32_t(i), int32_t(j), ch);
-                        pick = max ? std::max(pick, v) : std::min(pick, v);
-                    }
-                dst.at(int32_t(x), int32_t(y), ch) = pick;
-            }
-        }
-    return dst;
-}
-
 class FilterMinMax : public EveryJumpIndex {
 protected:
-    // Runs both filters on one case, with padded and misaligned rows and a
-    // work buffer of exactly the reported size at an odd address; the
-    // source and every byte outside the destination's region stay.
+    // Both filters on padded, misaligned images, with a work buffer of the
+    // reported size at an odd address; the source and all bytes outside
+    // the destination's region stay.
     void Check(const Case& c, uint32_t seed) {
         std::mt19937 random(seed);
         ImageUnderTest src(c.width, c.height, int32_t(random() % 9), int32_t(random() % 4), seed);
         const std::vector<uint8_t> source = src.bytes;
         for (bool max : {false, true}) {
+            SCOPED_TRACE(testing::Message() << (max ? "max " : "min ") << c.width << "x" << c.height << " mask "
+                                            << c.mask.width << "x" << c.mask.height << " anchor " << c.anchor.x << ","
+                                            << c.anchor.y);
             ImageUnderTest dst(c.width, c.height, int32_t(random() % 9), int32_t(random() % 4), seed + 1);
-            const ImageUnderTest expected = Expected(dst, src, c, max);
+            const ImageUnderTest expected = kvtest::Picked(dst, src, kvtest::Rectangle(c.mask, c.anchor), max);
             int32_t bytes = 0;
             auto size = max ? primiFilterMaxGetBufferSize_8u_C4R : primiFilterMinGetBufferSize_8u_C4R;
             ASSERT_EQ(size(c.width, c.mask, &bytes), PrimOk);
@@ -71,15 +43,19 @@ protected:
             auto filter = max ? primiFilterMaxBorderReplicate_8u_C4R : primiFilterMinBorderReplicate_8u_C4R;
             ASSERT_EQ(filter(src.data(), src.step, dst.data(), dst.step, src.size, c.mask, c.anchor,
                              buffer.data() + misalign),
-                      PrimOk)
-                << Describe(c, max);
-            ASSERT_EQ(kvtest::FirstDifference(dst, expected), "") << Describe(c, max);
-            ASSERT_EQ(src.bytes, source) << Describe(c, max);
+                      PrimOk);
+            ASSERT_EQ(kvtest::FirstDifference(dst, expected), "");
+            ASSERT_EQ(src.bytes, source);
         }
     }
 };
 
-TEST_P(FilterMinMax, RandomMasksAndAnchorsOnSmallImages) {
+// Random cases, then each row pass (fixed windows, the odd pass below an
+// even width, the block method, widening past 63) and each column pass (one
+// row, the short ring of 3 and 5 rows, the block method) on images of both
+// sides of 16384 bytes, with masks larger than the image and anchors past
+// its edge.
+TEST_P(FilterMinMax, RandomAndEveryRowAndColumnPath) {
     std::mt19937 random(11);
     for (int n = 0; n < 150; ++n) {
         Case c;
@@ -89,45 +65,35 @@ TEST_P(FilterMinMax, RandomMasksAndAnchorsOnSmallImages) {
         c.anchor = {int32_t(random() % c.mask.width), int32_t(random() % c.mask.height)};
         Check(c, 1000 + n);
     }
-}
-
-// Each row pass (fixed windows, the odd pass below an even width, the
-// block method, widening past 63) and each column pass (one row, the short
-// ring of 3 and 5 rows, the block method) on images of both sides of 16384
-// bytes, with masks larger than the image and anchors past its edge.
-TEST_P(FilterMinMax, EveryRowAndColumnPath) {
-    const std::vector<Case> cases = {
-        {40, 20, {8, 3}, {7, 1}},     {40, 20, {8, 3}, {2, 0}},    {40, 20, {10, 5}, {9, 4}},
-        {40, 20, {15, 6}, {3, 5}},    {40, 20, {16, 2}, {15, 0}},  {40, 20, {19, 1}, {4, 0}},
-        {40, 20, {21, 3}, {20, 2}},   {97, 53, {8, 3}, {7, 2}},    {97, 53, {15, 5}, {14, 0}},
-        {97, 53, {14, 7}, {13, 6}},   {97, 53, {16, 16}, {0, 15}}, {97, 53, {40, 26}, {20, 13}},
-        {130, 40, {100, 1}, {50, 0}}, {130, 40, {100, 3}, {99, 2}}, {130, 40, {100, 2}, {0, 1}},
-        {130, 40, {64, 6}, {63, 5}},  {130, 40, {127, 4}, {1, 3}}, {4, 9, {12, 1}, {10, 0}},
-        {9, 5, {3, 3}, {1, 1}},       {9, 6, {3, 3}, {1, 1}},      {9, 6, {3, 3}, {2, 2}},
-        {9, 10, {5, 5}, {4, 0}},      {9, 9, {5, 5}, {2, 2}},      {9, 2, {1, 1}, {0, 0}},
-        {9, 1, {3, 1}, {1, 0}},       {200, 90, {3, 3}, {1, 1}},   {200, 90, {5, 5}, {0, 4}},
-        {200, 90, {1, 1}, {0, 0}},    {200, 90, {7, 30}, {3, 29}}, {200, 90, {2, 200}, {1, 150}},
-        {37, 11, {80, 40}, {79, 39}}, {5, 4, {9, 9}, {0, 8}},      {1, 30, {5, 7}, {4, 3}},
+    const Case cases[] = {
+        {40, 20, {8, 3}, {7, 1}},     {40, 20, {8, 3}, {2, 0}},     {40, 20, {10, 5}, {9, 4}},   {40, 20, {15, 6}, {3, 5}},
+        {40, 20, {16, 2}, {15, 0}},   {40, 20, {19, 1}, {4, 0}},    {40, 20, {21, 3}, {20, 2}},  {97, 53, {8, 3}, {7, 2}},
+        {97, 53, {15, 5}, {14, 0}},   {97, 53, {14, 7}, {13, 6}},   {97, 53, {16, 16}, {0, 15}}, {97, 53, {40, 26}, {20, 13}},
+        {130, 40, {100, 1}, {50, 0}}, {130, 40, {100, 3}, {99, 2}}, {130, 40, {100, 2}, {0, 1}}, {130, 40, {64, 6}, {63, 5}},
+        {130, 40, {127, 4}, {1, 3}},  {4, 9, {12, 1}, {10, 0}},     {9, 5, {3, 3}, {1, 1}},      {9, 6, {3, 3}, {1, 1}},
+        {9, 6, {3, 3}, {2, 2}},       {9, 10, {5, 5}, {4, 0}},      {9, 9, {5, 5}, {2, 2}},      {9, 2, {1, 1}, {0, 0}},
+        {9, 1, {3, 1}, {1, 0}},       {200, 90, {3, 3}, {1, 1}},    {200, 90, {5, 5}, {0, 4}},   {200, 90, {1, 1}, {0, 0}},
+        {200, 90, {7, 30}, {3, 29}},  {200, 90, {2, 200}, {1, 150}}, {37, 11, {80, 40}, {79, 39}}, {5, 4, {9, 9}, {0, 8}},
+        {1, 30, {5, 7}, {4, 3}},
     };
     uint32_t seed = 7;
     for (const Case& c : cases) Check(c, ++seed);
 }
 
-TEST_P(FilterMinMax, BufferSizeAndItsChecks) {
+// The buffer size, then the filters: pointers, size, mask, anchor, then the
+// steps against the row's bytes; the first failing test decides and a
+// refusal writes nothing.
+TEST_P(FilterMinMax, ChecksInOrderAndWritesNothing) {
+    const int32_t reported = 2 * 5 * (40 + 32) + 4 * 5 * 8 + 32;
     for (auto size : {primiFilterMinGetBufferSize_8u_C4R, primiFilterMaxGetBufferSize_8u_C4R}) {
         int32_t bytes = -1;
         ASSERT_EQ(size(10, {3, 5}, &bytes), PrimOk);
-        EXPECT_EQ(bytes, 2 * 5 * (40 + 32) + 4 * 5 * 8 + 32);
+        EXPECT_EQ(bytes, reported);
         EXPECT_EQ(size(0, {0, 5}, nullptr), PrimNullPtrErr);
         EXPECT_EQ(size(0, {0, 5}, &bytes), PrimSizeErr);
         EXPECT_EQ(size(10, {3, 0}, &bytes), PrimMaskSizeErr);
-        EXPECT_EQ(bytes, 2 * 5 * (40 + 32) + 4 * 5 * 8 + 32) << "a refusal writes nothing";
+        EXPECT_EQ(bytes, reported);
     }
-}
-
-// Pointers, size, mask, anchor, then the steps against the row's bytes;
-// the first failing test decides and nothing is written.
-TEST_P(FilterMinMax, ChecksInOrderAndWritesNothing) {
     ImageUnderTest src(6, 5, 0, 0, 1), dst(6, 5, 0, 0, 2);
     const std::vector<uint8_t> before = dst.bytes;
     std::vector<uint8_t> buffer(4096);
@@ -135,16 +101,13 @@ TEST_P(FilterMinMax, ChecksInOrderAndWritesNothing) {
     const uint8_t* s = src.data();
     uint8_t* d = dst.data();
     for (auto filter : {primiFilterMinBorderReplicate_8u_C4R, primiFilterMaxBorderReplicate_8u_C4R}) {
-        EXPECT_EQ(filter(s, 24, d, 24, {6, 5}, {3, 3}, {1, 1}, nullptr), PrimNullPtrErr);
-        EXPECT_EQ(filter(nullptr, 24, d, 24, {0, 5}, {3, 3}, {1, 1}, b), PrimNullPtrErr);
+        EXPECT_EQ(filter(s, 24, d, 24, {0, 5}, {0, 3}, {1, 1}, nullptr), PrimNullPtrErr);
         EXPECT_EQ(filter(s, 24, nullptr, 24, {6, 5}, {0, 3}, {1, 1}, b), PrimNullPtrErr);
-        EXPECT_EQ(filter(s, 24, d, 24, {6, 0}, {0, 3}, {1, 1}, b), PrimSizeErr);
-        EXPECT_EQ(filter(s, 24, d, 24, {-1, 5}, {3, 3}, {1, 1}, b), PrimSizeErr);
-        EXPECT_EQ(filter(s, 24, d, 24, {6, 5}, {3, 0}, {5, 1}, b), PrimMaskSizeErr);
-        EXPECT_EQ(filter(s, 20, d, 24, {6, 5}, {3, 3}, {3, 1}, b), PrimAnchorErr);
-        EXPECT_EQ(filter(s, 24, d, 24, {6, 5}, {3, 3}, {1, -1}, b), PrimAnchorErr);
+        EXPECT_EQ(filter(s, 24, d, 20, {-1, 0}, {0, 3}, {1, 1}, b), PrimSizeErr);
+        EXPECT_EQ(filter(s, 24, d, 20, {6, 5}, {3, 0}, {5, 1}, b), PrimMaskSizeErr);
+        EXPECT_EQ(filter(s, 20, d, 24, {6, 5}, {3, 3}, {3, -1}, b), PrimAnchorErr);
         EXPECT_EQ(filter(s, 24, d, 23, {6, 5}, {3, 3}, {1, 1}, b), PrimStepErr);
-        EXPECT_EQ(filter(s, 0, d, 24, {6, 5}, {3, 3}, {1, 1}, b), PrimStepErr);
+        EXPECT_EQ(filter(s, 23, d, 24, {6, 5}, {3, 3}, {1, 1}, b), PrimStepErr);
     }
     EXPECT_EQ(dst.bytes, before);
 }
