@@ -121,8 +121,7 @@ ApplyRequest ParseApply(const std::vector<std::string>& arguments) {
         }
     }
     if (positional.size() < 2 || positional.size() > 3) {
-        throw UsageError("apply takes EFFECT [IN.png] OUT.png, got " + std::to_string(positional.size()) +
-                         " arguments");
+        throw UsageError("apply takes EFFECT [IN.png] OUT.png");
     }
     request.effect = positional.front();
     request.output = positional.back();
