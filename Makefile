@@ -1,5 +1,6 @@
 # make run   builds the library and the CLI and applies every available effect
-#            to the built-in sample picture, writing PNGs to out/
+#            to the built-in sample picture, writing PNGs to out/, and
+#            writes all of them on one contact sheet, out/gallery.png
 # make test  builds everything and runs the whole test suite
 # make bench builds and runs the benchmarks (with OpenCV beside, when present)
 SHELL := /bin/bash
@@ -22,6 +23,7 @@ run: configure
 	while read -r id name; do \
 	  $(CLI) apply "$$id" "out/$$id-$$name.png" && echo "out/$$id-$$name.png"; \
 	done
+	$(CLI) gallery out/gallery.png
 
 test: configure
 	cmake --build $(BUILD) -j2

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "kelvarine.h"
+#include "tools/gallery.h"
 #include "tools/png_io.h"
 #include "tools/sample_picture.h"
 
@@ -20,6 +21,7 @@ constexpr char kUsage[] =
     "Usage: kelvarine list\n"
     "       kelvarine apply EFFECT [IN.png] OUT.png [--args A,B,...]\n"
     "       kelvarine sample OUT.png\n"
+    "       kelvarine gallery [IN.png] OUT.png\n"
     "\n"
     "  list    print the effect catalog, one effect a line:\n"
     "          index, id, type, available (yes/no), name\n"
@@ -27,6 +29,9 @@ constexpr char kUsage[] =
     "          \"mirror both\"), over IN.png and write the result to OUT.png;\n"
     "          without IN.png the built-in sample picture is used\n"
     "  sample  write the built-in sample picture to OUT.png\n"
+    "  gallery write one contact sheet of every available effect applied to\n"
+    "          IN.png (or the sample picture), each tile labelled with the\n"
+    "          effect's name and id\n"
     "\n"
     "  --args A,B,...  up to six signed integers for the effect's parameter\n"
     "                  words 0, 1, ...; words not given keep their values\n"
@@ -161,6 +166,9 @@ void Run(const std::vector<std::string>& arguments) {
     } else if (command == "sample") {
         if (rest.size() != 1) throw UsageError("sample takes one argument, OUT.png");
         WritePng(rest.front(), SamplePicture());
+    } else if (command == "gallery") {
+        if (rest.empty() || rest.size() > 2) throw UsageError("gallery takes [IN.png] OUT.png");
+        WritePng(rest.back(), Gallery(rest.size() == 2 ? ReadPng(rest.front()) : SamplePicture()));
     } else {
         throw UsageError("unknown command '" + command + "' (see 'kelvarine --help')");
     }
