@@ -2,7 +2,7 @@
 # Installs the Debian packages the build needs, when they are missing.
 # Usage: scripts/install-deps.sh [extra packages...]
 set -euo pipefail
-packages=(cmake make g++ binutils libgtest-dev libbenchmark-dev libpng-dev "$@")
+packages=(cmake make g++ binutils libgtest-dev libbenchmark-dev libpng-dev pkg-config ffmpeg libavformat-dev libavcodec-dev libswscale-dev libavutil-dev "$@")
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
