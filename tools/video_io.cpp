@@ -8,7 +8,9 @@ extern "C" {
 }
 
 #include <chrono>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <stdexcept>
 
@@ -239,7 +241,9 @@ public:
     }
     const std::string& path() const { return path_; }
     void Keep() {
-        if (std::rename(path_.c_str(), final_.c_str()) != 0) throw std::runtime_error("cannot write " + final_);
+        if (std::rename(path_.c_str(), final_.c_str()) != 0) {
+            throw std::runtime_error("cannot write " + final_ + ": " + std::strerror(errno));
+        }
         kept_ = true;
     }
 
