@@ -117,6 +117,7 @@ public:
         const AVStream* stream = format_->streams[stream_];
         if (stream->nb_frames > 0) return stream->nb_frames;
         if (stream->duration > 0) return av_rescale_q(stream->duration, stream->time_base, av_inv_q(FrameRate()));
+        if (format_->duration > 0) return av_rescale_q(format_->duration, AV_TIME_BASE_Q, av_inv_q(FrameRate()));
         return 0;
     }
 
