@@ -2,7 +2,8 @@
 # Installs the Debian packages the build needs, when they are missing.
 # Usage: scripts/install-deps.sh [extra packages...]
 set -euo pipefail
-packages=(cmake make g++ binutils libgtest-dev libbenchmark-dev libpng-dev pkg-config frei0r-plugins-dev ffmpeg "$@")
+packages=(cmake make g++ binutils libgtest-dev libbenchmark-dev libpng-dev pkg-config ffmpeg frei0r-plugins-dev
+          libavformat-dev libavcodec-dev libswscale-dev libavutil-dev "$@")
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
