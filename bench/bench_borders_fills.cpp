@@ -22,9 +22,9 @@ namespace {
 using kvbench::kHeight;
 using kvbench::kWidth;
 using kvbench::RunPerFrame;
-constexpr int32_t kStep = kWidth * 4;
+using kvbench::kStep;
 constexpr int32_t kBytes = int32_t(kvbench::kFrameBytes);
-constexpr PrimSize kSize = {kWidth, kHeight};
+using kvbench::kSize;
 constexpr int32_t kBorder = 5;
 constexpr PrimSize kPadded = {kWidth + 2 * kBorder, kHeight + 2 * kBorder};
 constexpr int32_t kPaddedStep = kPadded.width * 4;

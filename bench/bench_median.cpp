@@ -17,8 +17,8 @@ namespace {
 using kvbench::kHeight;
 using kvbench::kWidth;
 constexpr int32_t kBorder = 4;
-constexpr int32_t kStep = kWidth * 4;
-constexpr PrimSize kSize = {kWidth, kHeight};
+using kvbench::kStep;
+using kvbench::kSize;
 constexpr PrimSize kPadded = {kWidth + 2 * kBorder, kHeight + 2 * kBorder};
 constexpr int32_t kPaddedStep = kPadded.width * 4;
 

@@ -16,8 +16,8 @@ namespace {
 
 using kvbench::kHeight;
 using kvbench::kWidth;
-constexpr int32_t kStep = kWidth * 4;
-constexpr PrimSize kSize = {kWidth, kHeight};
+using kvbench::kStep;
+using kvbench::kSize;
 
 void Finish(benchmark::State& state) {
     state.SetItemsProcessed(int64_t(state.iterations()) * kWidth * kHeight);

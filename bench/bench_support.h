@@ -6,11 +6,15 @@
 #include <random>
 #include <vector>
 
+#include "kelvarine_prims.h"
+
 namespace kvbench {
 
 constexpr int kWidth = 1920;
 constexpr int kHeight = 1080;
 constexpr size_t kFrameBytes = size_t(kWidth) * kHeight * 4;
+constexpr int32_t kStep = kWidth * 4;
+constexpr PrimSize kSize = {kWidth, kHeight};
 
 inline std::vector<uint8_t> Frame(uint32_t seed = 1) {
     std::vector<uint8_t> frame(kFrameBytes);

@@ -13,8 +13,8 @@ namespace {
 
 using kvbench::kHeight;
 using kvbench::kWidth;
-constexpr int32_t kStep = kWidth * 4;
-constexpr PrimSize kSize = {kWidth, kHeight};
+using kvbench::kStep;
+using kvbench::kSize;
 constexpr PrimRect kWhole = {0, 0, kWidth, kHeight};
 constexpr int32_t kSmoothLinear = InterpLinear | InterpSmoothEdge;
 

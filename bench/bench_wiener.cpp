@@ -16,7 +16,7 @@ namespace {
 
 using kvbench::kHeight;
 using kvbench::kWidth;
-constexpr PrimSize kSize = {kWidth, kHeight};
+using kvbench::kSize;
 
 // Arguments: mask edge, jump index, and whether the noise is estimated.
 void BM_Wiener(benchmark::State& state) {
